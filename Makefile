@@ -1,0 +1,46 @@
+# Two commands for a fresh Debian machine:
+#   make run    install what is missing, build, and show the default example model
+#   make test   install what is missing, build, and run every test (plain, sanitizer, fuzz)
+JOBS ?= $(shell nproc 2>/dev/null || echo 2)
+FUZZ_SECONDS ?= 60
+DEFAULT_EXAMPLE ?= examples/track1.ovi
+CLI = build/default/src/app/ovaro-cli
+
+.PHONY: run test bootstrap build test-default test-asan fuzz bench clean
+
+run: build
+	@$(CLI) info $(DEFAULT_EXAMPLE)
+
+bootstrap:
+	@scripts/bootstrap.sh
+
+build: bootstrap
+	@cmake --preset default >/dev/null
+	@cmake --build --preset default -j $(JOBS)
+
+test: test-default test-asan fuzz
+
+test-default: build
+	@ctest --preset default -j $(JOBS)
+
+test-asan: bootstrap
+	@cmake --preset asan >/dev/null
+	@cmake --build --preset asan -j $(JOBS)
+	@ctest --preset asan -j $(JOBS)
+
+# Runs each fuzz target for FUZZ_SECONDS, seeded with the example models.
+fuzz: bootstrap
+	@cmake --preset fuzz >/dev/null
+	@cmake --build --preset fuzz -j $(JOBS) --target ovi_reader_fuzz
+	@mkdir -p build/fuzz/corpus/ovi && cp -n examples/*.ovi build/fuzz/corpus/ovi/
+	@build/fuzz/fuzz/ovi_reader_fuzz -max_total_time=$(FUZZ_SECONDS) -rss_limit_mb=4096 \
+	  -print_final_stats=1 build/fuzz/corpus/ovi 2>build/fuzz/ovi_reader_fuzz.log \
+	  || { tail -50 build/fuzz/ovi_reader_fuzz.log; exit 1; }
+	@grep -E 'stat::number_of_executed_units|Done' build/fuzz/ovi_reader_fuzz.log | tail -2
+
+bench: bootstrap
+	@cmake --preset bench >/dev/null
+	@cmake --build --preset bench -j $(JOBS)
+
+clean:
+	rm -rf build

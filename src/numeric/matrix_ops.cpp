@@ -1,0 +1,324 @@
+// The matrix library behind the solvers.
+//
+// Every routine is a plain loop nest over the index ranges it is given, rows outermost, each
+// index in increasing order. Sums are accumulated in a local that starts at 0 and adds its terms
+// in increasing order of the summation index; a product of several factors associates from the
+// left. Those orders are part of the contract: the solvers' paths and criterion values are
+// compared to the bit between builds and against stored results, and reordering a sum changes
+// the last bits.
+#include "numeric/matrix_ops.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace ovaro {
+
+void mzero(int n, int m, Mat& A) {
+  mzerosub(1, n, 1, m, A);
+}
+
+void mzerosub(int rlo, int rhi, int clo, int chi, Mat& A) {
+  for (int i = rlo; i <= rhi; ++i)
+    for (int j = clo; j <= chi; ++j) A(i, j) = 0.0;
+}
+
+void mident(int n, int m, Mat& A) {
+  for (int i = 1; i <= n; ++i)
+    for (int j = 1; j <= m; ++j) A(i, j) = i == j ? 1.0 : 0.0;
+}
+
+void mmov(int n, int m, const Mat& A, Mat& B) {
+  mmovsub(1, n, 1, m, A, B);
+}
+
+void mmovsub(int rlo, int rhi, int clo, int chi, const Mat& A, Mat& B) {
+  for (int i = rlo; i <= rhi; ++i)
+    for (int j = clo; j <= chi; ++j) B(i, j) = A(i, j);
+}
+
+void mmov3sub(int rlo, int rhi, int clo, int chi, int dlo, int dhi, const Mat3& A3, Mat3& B3) {
+  for (int i = rlo; i <= rhi; ++i)
+    for (int j = clo; j <= chi; ++j)
+      for (int k = dlo; k <= dhi; ++k) B3(i, j, k) = A3(i, j, k);
+}
+
+void mneg(int n, int m, const Mat& A, Mat& B) {
+  for (int i = 1; i <= n; ++i)
+    for (int j = 1; j <= m; ++j) B(i, j) = -A(i, j);
+}
+
+void madd(int n, int m, const Mat& A, const Mat& B, Mat& C) {
+  for (int i = 1; i <= n; ++i)
+    for (int j = 1; j <= m; ++j) C(i, j) = A(i, j) + B(i, j);
+}
+
+void madd3(int n, int m, const Mat& A, const Mat& B, const Mat& C, Mat& D) {
+  for (int i = 1; i <= n; ++i)
+    for (int j = 1; j <= m; ++j) D(i, j) = A(i, j) + B(i, j) + C(i, j);
+}
+
+void madd4(int n, int m, const Mat& A, const Mat& B, const Mat& C, const Mat& D, Mat& E) {
+  for (int i = 1; i <= n; ++i)
+    for (int j = 1; j <= m; ++j) E(i, j) = A(i, j) + B(i, j) + C(i, j) + D(i, j);
+}
+
+void msub(int n, int m, const Mat& A, const Mat& B, Mat& C) {
+  msubsub(1, n, 1, m, A, B, C);
+}
+
+void msubsub(int rlo, int rhi, int clo, int chi, const Mat& A, const Mat& B, Mat& C) {
+  for (int i = rlo; i <= rhi; ++i)
+    for (int j = clo; j <= chi; ++j) C(i, j) = A(i, j) - B(i, j);
+}
+
+void maddiagcol(int n, int m, int k, const Mat& A, const Mat& V, Mat& C) {
+  for (int i = 1; i <= n; ++i)
+    for (int j = 1; j <= m; ++j) C(i, j) = i == j ? A(i, j) + V(i, k) : A(i, j);
+}
+
+// C = A B
+void mmul(int n, int p, int m, const Mat& A, const Mat& B, Mat& C) {
+  for (int i = 1; i <= n; ++i)
+    for (int j = 1; j <= m; ++j) {
+      double sum = 0.0;
+      for (int k = 1; k <= p; ++k) sum += A(i, k) * B(k, j);
+      C(i, j) = sum;
+    }
+}
+
+// C = A (B D)
+void mmul3(int n, int p, int q, int m, const Mat& A, const Mat& B, const Mat& D, Mat& C) {
+  Mat BD = mat2(1, p, 1, m);
+  mmul(p, q, m, B, D, BD);
+  mmul(n, p, m, A, BD, C);
+}
+
+// C = A' (B D) + E
+void mtransmul(int n, int p, int m, const Mat& A, const Mat& B, const Mat& D, const Mat& E,
+               Mat& C) {
+  Mat BD = mat2(1, n, 1, m);
+  mmul(n, n, m, B, D, BD);
+  for (int i = 1; i <= p; ++i)
+    for (int j = 1; j <= m; ++j) {
+      double sum = 0.0;
+      for (int k = 1; k <= n; ++k) sum += A(k, i) * BD(k, j);
+      C(i, j) = sum + E(i, j);
+    }
+}
+
+namespace {
+
+// C = A' (K A) + diag(V(., k)), showing the operands and the partial products to `trace` when
+// there is one. The traced and the untraced entry points share this body so that they cannot
+// drift apart by a single rounding.
+void quadFormDiag(int n, int m, int k, const Mat& A, const Mat& K, const Mat& V, Mat& C,
+                  MatrixTrace* trace) {
+  Mat KA = mat2(1, m, 1, n);
+  Mat At = mat2(1, n, 1, m);
+  Mat AtKA = mat2(1, n, 1, n);
+  if (trace != nullptr) {
+    trace->matrix("kuc in mmul31tv", 1, m, 1, m, K);
+    trace->matrix("a in mmul31tv", 1, m, 1, n, A);
+  }
+  mmul(m, m, n, K, A, KA);
+  if (trace != nullptr) trace->matrix("kuca in mmul31tv", 1, m, 1, n, KA);
+  mtrans(m, n, A, At);
+  if (trace != nullptr) trace->matrix("at in mmul31tv", 1, n, 1, m, At);
+  mmul(n, m, n, At, KA, AtKA);
+  if (trace != nullptr) trace->matrix("atkuca in mmul31tv", 1, n, 1, n, AtKA);
+  maddiagcol(n, n, k, AtKA, V, C);
+}
+
+}  // namespace
+
+void mmul31tv(int n, int m, int k, const Mat& A, const Mat& K, const Mat& V, Mat& C,
+              MatrixTrace* trace) {
+  quadFormDiag(n, m, k, A, K, V, C, trace);
+}
+
+void mqformdiag(int n, int m, int k, const Mat& A, const Mat& K, const Mat& V, Mat& C) {
+  quadFormDiag(n, m, k, A, K, V, C, nullptr);
+}
+
+void mtrans(int n, int m, const Mat& A, Mat& B) {
+  mtranssub(1, n, 1, m, A, B);
+}
+
+void mtranssub(int rlo, int rhi, int clo, int chi, const Mat& A, Mat& B) {
+  for (int i = rlo; i <= rhi; ++i)
+    for (int j = clo; j <= chi; ++j) B(j, i) = A(i, j);
+}
+
+void mtrans3(int rlo, int rhi, int clo, int chi, int dlo, int dhi, const Mat3& A3, Mat3& B3) {
+  for (int i = rlo; i <= rhi; ++i)
+    for (int j = clo; j <= chi; ++j)
+      for (int k = dlo; k <= dhi; ++k) B3(j, k, i) = A3(i, j, k);
+}
+
+// trace(A B)
+double mtrace2(int n, int m, const Mat& A, const Mat& B) {
+  double sum = 0.0;
+  for (int i = 1; i <= n; ++i)
+    for (int j = 1; j <= m; ++j) sum += A(i, j) * B(j, i);
+  return sum;
+}
+
+// trace(A B C D), one running sum over all four indices rather than through explicit products.
+double mtrace4(int n, int m, const Mat& A, const Mat& B, const Mat& C, const Mat& D) {
+  double sum = 0.0;
+  for (int i = 1; i <= n; ++i)
+    for (int j = 1; j <= n; ++j)
+      for (int k = 1; k <= m; ++k)
+        for (int l = 1; l <= m; ++l) sum += A(i, k) * B(k, j) * C(j, l) * D(l, i);
+  return sum;
+}
+
+void mslice3set(int n, int m, int k, const Mat& A, Mat3& A3) {
+  mslice3setsub(1, n, 1, m, k, A, A3);
+}
+
+void mslice3setsub(int rlo, int rhi, int clo, int chi, int k, const Mat& A, Mat3& A3) {
+  for (int i = rlo; i <= rhi; ++i)
+    for (int j = clo; j <= chi; ++j) A3(i, j, k) = A(i, j);
+}
+
+void mslice3get(int n, int m, int k, const Mat3& A3, Mat& A) {
+  mslice3getsub(1, n, 1, m, k, A3, A);
+}
+
+void mslice3getsub(int rlo, int rhi, int clo, int chi, int k, const Mat3& A3, Mat& A) {
+  for (int i = rlo; i <= rhi; ++i)
+    for (int j = clo; j <= chi; ++j) A(i, j) = A3(i, j, k);
+}
+
+void vcolset(int n, int k, const Mat& A, Mat& B) {
+  vcolsetsub(1, n, k, A, B);
+}
+
+void vcolsetsub(int lo, int hi, int k, const Mat& A, Mat& B) {
+  for (int i = lo; i <= hi; ++i) B(i, k) = A(i, 1);
+}
+
+void vcolget(int n, int k, const Mat& A, Mat& B) {
+  vcolgetsub(1, n, k, A, B);
+}
+
+void vcolgetsub(int lo, int hi, int k, const Mat& A, Mat& B) {
+  for (int i = lo; i <= hi; ++i) B(i, 1) = A(i, k);
+}
+
+void vcoladd(int n, int k, const Mat& A, const Mat& B, Mat& C) {
+  for (int i = 1; i <= n; ++i) C(i, 1) = A(i, 1) + B(i, k);
+}
+
+void vrowset(int n, int k, const Mat& A, Mat& B) {
+  for (int j = 1; j <= n; ++j) B(k, j) = A(1, j);
+}
+
+// Crout's method with implicit scaling. L (unit lower, the unit diagonal set at the end) and U
+// are kept apart; the permuted matrix P A is never formed, row i of it is read as row perm[i] of
+// A. The pivot of column j is the candidate row whose element is largest relative to the largest
+// element of its own row, a later row winning a tie. Nothing guards a singular matrix: a zero row
+// gives an infinite scale and a zero pivot is divided by, so the inverse comes back with
+// infinities or NaNs. Callers that can meet a singular matrix test their inputs themselves.
+void minv(int n, const Mat& A, Mat& Ainv) {
+  IMat perm = imat2(1, n, 1, 1);
+  Mat L = mat2(1, n, 1, n);
+  Mat U = mat2(1, n, 1, n);
+  Vec scale = vec1(1, n);
+  for (int i = 1; i <= n; ++i) perm(i, 1) = i;
+
+  for (int i = 1; i <= n; ++i) {
+    double big = 0.0;
+    for (int j = 1; j <= n; ++j) big = std::max(big, std::fabs(A(i, j)));
+    scale(i) = 1.0 / big;
+  }
+
+  // Element (r, c) of the combined factor: below the diagonal of row r it lives in L, on and
+  // above it in U.
+  auto factor = [&L, &U](int r, int c) -> double& { return c < r ? L(r, c) : U(r, c); };
+
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i < j; ++i) {
+      double sum = 0.0;
+      for (int k = 1; k < i; ++k) sum += L(i, k) * U(k, j);
+      U(i, j) = A(perm(i, 1), j) - sum;
+    }
+    // A size that is NaN (an infinite scale times a zero) never wins; when no candidate wins,
+    // row j keeps the pivot.
+    double big = 0.0;
+    int pivot = j;
+    for (int i = j; i <= n; ++i) {
+      double sum = 0.0;
+      for (int k = 1; k < j; ++k) sum += L(i, k) * U(k, j);
+      const double s = A(perm(i, 1), j) - sum;
+      if (i == j)
+        U(j, j) = s;
+      else
+        L(i, j) = s;
+      const double size = scale(i) * std::fabs(s);
+      if (size >= big) {
+        big = size;
+        pivot = i;
+      }
+    }
+    if (pivot != j) {
+      for (int c = 1; c <= n; ++c) std::swap(factor(j, c), factor(pivot, c));
+      std::swap(scale(j), scale(pivot));
+      std::swap(perm(j, 1), perm(pivot, 1));
+    }
+    for (int i = j + 1; i <= n; ++i) L(i, j) = L(i, j) / U(j, j);
+  }
+  for (int i = 1; i <= n; ++i) L(i, i) = 1.0;
+
+  // Column c of the inverse solves L U x = P e_c.
+  Vec b = vec1(1, n);
+  Vec y = vec1(1, n);
+  Vec x = vec1(1, n);
+  for (int c = 1; c <= n; ++c) {
+    for (int i = 1; i <= n; ++i) b(i) = perm(i, 1) == c ? 1.0 : 0.0;
+    for (int i = 1; i <= n; ++i) {
+      double sum = 0.0;
+      for (int k = 1; k < i; ++k) sum += L(i, k) * y(k);
+      y(i) = b(i) - sum;
+    }
+    for (int i = n; i >= 1; --i) {
+      double sum = 0.0;
+      for (int k = i + 1; k <= n; ++k) sum += U(i, k) * x(k);
+      x(i) = (y(i) - sum) / U(i, i);
+    }
+    for (int i = 1; i <= n; ++i) Ainv(i, c) = x(i);
+  }
+}
+
+double macheps() {
+  // volatile keeps every sum a rounded double in memory: the compiler may neither fold the loop
+  // nor compare a sum held in a wider register.
+  volatile double e = 1.0;
+  volatile double sum = 1.0 + e;
+  while (sum != 1.0) {
+    e = e / 2.0;
+    sum = 1.0 + e;
+  }
+  return e;
+}
+
+void mmov3dsub(int nrl, int nrh, int ncl, int nch, int ndl, int l3old, int l3new, const Mat3& from,
+               Mat3& to, Prompter& prompter) {
+  if (l3old > l3new) prompter.inform("l3old greater than l3new in mmov3dsub", "Warning!");
+  // Stop where either array ends: a caller's l3old never makes us read or write past one.
+  const int last = std::min({l3old, from.dhi(), to.dhi()});
+  mmov3sub(nrl, nrh, ncl, nch, ndl, last, from, to);
+}
+
+Mat3 ModMatSize(int nrl, int nrh, int ncl, int nch, int ndl, int l3old, int l3new, Mat3 array,
+                Prompter& prompter) {
+  if (l3old > l3new) prompter.inform("l3old greater than l3new in ModMatSize", "Warning!");
+  // The old array was handed over to us, so it serves as the intermediate copy itself.
+  Mat3 result = mat3(nrl, nrh, ncl, nch, ndl, l3new);
+  mmov3dsub(nrl, nrh, ncl, nch, ndl, l3old, l3new, array, result, prompter);
+  return result;
+}
+
+}  // namespace ovaro
