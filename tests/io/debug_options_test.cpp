@@ -1,0 +1,204 @@
+#include "io/debug_options.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <regex>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace ovaro {
+namespace {
+
+using S = DebugSwitch;
+
+std::vector<std::string> labelsOf(DebugPage page) {
+  std::vector<std::string> labels;
+  for (const DebugSwitchInfo& info : debugSwitchTable()) {
+    if (info.page == page) labels.emplace_back(info.label);
+  }
+  return labels;
+}
+
+TEST(DebugOptions, TableHoldsEveryBoxInDialogOrder) {
+  const auto table = debugSwitchTable();
+  ASSERT_EQ(table.size(), static_cast<std::size_t>(kDebugSwitchCount));
+  for (int i = 0; i < kDebugSwitchCount; ++i) {
+    EXPECT_EQ(static_cast<int>(table[static_cast<std::size_t>(i)].id), i);
+    EXPECT_EQ(&debugSwitchInfo(static_cast<DebugSwitch>(i)), &table[static_cast<std::size_t>(i)]);
+    if (i > 0) {  // pages follow one another, never interleave
+      EXPECT_LE(table[static_cast<std::size_t>(i - 1)].page,
+                table[static_cast<std::size_t>(i)].page);
+    }
+  }
+
+  EXPECT_EQ(labelsOf(DebugPage::QlpOlf),
+            (std::vector<std::string>{"All", "A, B, c. d, x0  in indat", "W's, LAM's, xdes, udes",
+                                      "tracking to quadratic form", "Pindyck to regular form",
+                                      "forward-looking variables", "phi, theta, and psi", "K and p",
+                                      "G and g", "x and u", "x and u : intermediate", "J"}));
+  EXPECT_EQ(
+      labelsOf(DebugPage::Summary),
+      (std::vector<std::string>{"All", "Only inputs and results summary", "Only results summary"}));
+  EXPECT_EQ(
+      labelsOf(DebugPage::Inputs),
+      (std::vector<std::string>{
+          "All Inputs", "All Model", "System Equations", "Criterion", "Other Inputs",
+          "All Conversion", "Tracking to Quadratic Form", "Pindyck to Regular Form",
+          "Forward-Looking Variables", "Map A, B, c to Theta", "All Stochastic Elements",
+          "Random Variables - Intermediates - Each Run", "Random Variables - Final - Each Run",
+          "Means of Ran Vars Across Monte Carlo Runs"}));
+  EXPECT_EQ(labelsOf(DebugPage::Intermediates),
+            (std::vector<std::string>{
+                "K and p - Intermediates", "K and p", "G and g", "Each Iteration",
+                "Last Two Iterations Only", "All Means and Covariances", "Means - Intermediate",
+                "Means - Final", "Covariances - Intermediate", "Covariances - Final",
+                "Means - Intermediate", "Means - Final", "Covariances - Intermediate",
+                "Covariances - Final"}));
+  EXPECT_EQ(labelsOf(DebugPage::Results).front(), "All Results");
+  EXPECT_EQ(labelsOf(DebugPage::Results).size(), 10u);
+  EXPECT_EQ(
+      labelsOf(DebugPage::MonteCarlo),
+      (std::vector<std::string>{
+          "n x nmc", "nmc x n", "m x nmc", "nmc x m", "n x nt", "nt x n", "m x nt", "nt x m",
+          "Moments Over Time", "Moments Over Monte Carlo Runs", "Sum of Squared Differences",
+          "Avg Avg over MC Runs", "Avg Var over MC Runs", "All for \"Sum of Squared Differences\"",
+          "Moments Across Time of Moments Over Mc Runs",
+          "For debugging - May produce a large print file."}));
+
+  // The single-page dialog's groups, in order.
+  std::vector<std::string> groups;
+  for (const DebugSwitchInfo& info : debugSwitchTable()) {
+    if (info.page == DebugPage::QlpOlf && (groups.empty() || groups.back() != info.group)) {
+      groups.emplace_back(info.group);
+    }
+  }
+  EXPECT_EQ(groups,
+            (std::vector<std::string>{"", "Inputs", "Input Transformations", "Riccati Equations",
+                                      "Feedback Rule", "Criterion Value"}));
+  EXPECT_EQ(debugSwitchInfo(S::QlpKAndP).group, "Riccati Equations");
+
+  EXPECT_EQ(debugPageTitle(DebugPage::QlpOlf), "Debug Print Options");
+  EXPECT_EQ(debugPageTitle(DebugPage::Summary), "Summary");
+  EXPECT_EQ(debugPageTitle(DebugPage::Inputs), "Inputs");
+  EXPECT_EQ(debugPageTitle(DebugPage::Intermediates), "Intermediates");
+  EXPECT_EQ(debugPageTitle(DebugPage::Results), "Results");
+  EXPECT_EQ(debugPageTitle(DebugPage::MonteCarlo), "Monte Carlo");
+}
+
+TEST(DebugOptions, MachineNamesAreUniqueAndFoundAgain) {
+  const std::map<DebugPage, std::string> prefix = {
+      {DebugPage::QlpOlf, "qlp."},      {DebugPage::Summary, "summary."},
+      {DebugPage::Inputs, "inputs."},   {DebugPage::Intermediates, "intermediates."},
+      {DebugPage::Results, "results."}, {DebugPage::MonteCarlo, "montecarlo."}};
+  const std::regex shape("[a-z0-9]+(\\.[a-z0-9]+(-[a-z0-9]+)*)+");
+  std::set<std::string> seen;
+  for (const DebugSwitchInfo& info : debugSwitchTable()) {
+    const std::string name(info.name);
+    SCOPED_TRACE(name);
+    EXPECT_TRUE(std::regex_match(name, shape));
+    EXPECT_EQ(name.rfind(prefix.at(info.page), 0), 0u);
+    EXPECT_TRUE(seen.insert(name).second) << "duplicate";
+    ASSERT_TRUE(findDebugSwitch(name).has_value());
+    EXPECT_EQ(*findDebugSwitch(name), info.id);
+  }
+  EXPECT_EQ(findDebugSwitch("qlp.k-and-p"), S::QlpKAndP);
+  EXPECT_EQ(findDebugSwitch("inputs.system-equations"), S::InputsSystemEquations);
+  EXPECT_EQ(findDebugSwitch("intermediates.k-and-p"), S::IntermediatesKAndP);
+  EXPECT_FALSE(findDebugSwitch("qlp.K-and-p").has_value());
+  EXPECT_FALSE(findDebugSwitch("k-and-p").has_value());
+  EXPECT_FALSE(findDebugSwitch("").has_value());
+}
+
+std::set<S> onWith(S box) {
+  DebugSwitches switches;
+  switches.set(box);
+  std::set<S> on;
+  for (const DebugSwitchInfo& info : debugSwitchTable()) {
+    if (switches.on(info.id)) on.insert(info.id);
+    EXPECT_EQ(covers(box, info.id), info.id != box && switches.on(info.id));
+  }
+  return on;
+}
+
+std::set<S> page(DebugPage p) {
+  std::set<S> all;
+  for (const DebugSwitchInfo& info : debugSwitchTable()) {
+    if (info.page == p) all.insert(info.id);
+  }
+  return all;
+}
+
+TEST(DebugSwitches, AllBoxesTurnOnExactlyTheirScope) {
+  DebugSwitches switches;
+  EXPECT_FALSE(switches.any());
+  for (const DebugSwitchInfo& info : debugSwitchTable()) EXPECT_FALSE(switches.on(info.id));
+
+  EXPECT_EQ(onWith(S::QlpAll), page(DebugPage::QlpOlf));
+  std::set<S> sheet;
+  for (DebugPage p : {DebugPage::Summary, DebugPage::Inputs, DebugPage::Intermediates,
+                      DebugPage::Results, DebugPage::MonteCarlo}) {
+    const std::set<S> one = page(p);
+    sheet.insert(one.begin(), one.end());
+  }
+  EXPECT_EQ(onWith(S::SummaryAll), sheet);
+  EXPECT_EQ(onWith(S::InputsAll), page(DebugPage::Inputs));
+  EXPECT_EQ(onWith(S::ResultsAll), page(DebugPage::Results));
+  EXPECT_EQ(onWith(S::InputsAllModel), (std::set<S>{S::InputsAllModel, S::InputsSystemEquations,
+                                                    S::InputsCriterion, S::InputsOther}));
+  EXPECT_EQ(
+      onWith(S::InputsAllConversion),
+      (std::set<S>{S::InputsAllConversion, S::InputsTrackingToQuadratic, S::InputsPindyckToRegular,
+                   S::InputsForwardLooking, S::InputsMapAbcToTheta}));
+  EXPECT_EQ(onWith(S::InputsAllStochastic),
+            (std::set<S>{S::InputsAllStochastic, S::InputsRandomIntermediates, S::InputsRandomFinal,
+                         S::InputsRandomMeans}));
+  EXPECT_EQ(
+      onWith(S::IntermediatesAllMeansCovariances),
+      (std::set<S>{S::IntermediatesAllMeansCovariances, S::ProjectionMeansIntermediate,
+                   S::ProjectionMeansFinal, S::ProjectionCovariancesIntermediate,
+                   S::ProjectionCovariancesFinal, S::FilterMeansIntermediate, S::FilterMeansFinal,
+                   S::FilterCovariancesIntermediate, S::FilterCovariancesFinal}));
+  EXPECT_EQ(onWith(S::MonteCarloAllSumSquaredDifferences),
+            (std::set<S>{S::MonteCarloAllSumSquaredDifferences, S::MonteCarloSumSquaredDifferences,
+                         S::MonteCarloAvgAvg, S::MonteCarloAvgVar}));
+  // A plain box turns on only itself.
+  EXPECT_EQ(onWith(S::QlpKAndP), (std::set<S>{S::QlpKAndP}));
+  EXPECT_EQ(onWith(S::IntermediatesKAndP), (std::set<S>{S::IntermediatesKAndP}));
+
+  // Ticked and on are different questions; unticking the All box turns its scope off again.
+  switches.set(S::InputsAll);
+  switches.set(S::QlpGAndG);
+  EXPECT_TRUE(switches.any());
+  EXPECT_TRUE(switches.on(S::InputsCriterion));
+  EXPECT_FALSE(switches.isSet(S::InputsCriterion));
+  DebugSwitches saved = switches;
+  switches.set(S::InputsAll, false);
+  EXPECT_FALSE(switches.on(S::InputsCriterion));
+  EXPECT_TRUE(switches.on(S::QlpGAndG));
+  EXPECT_NE(switches, saved);
+  switches.clear();
+  EXPECT_FALSE(switches.any());
+  EXPECT_FALSE(switches.on(S::QlpGAndG));
+  EXPECT_EQ(switches, DebugSwitches{});
+}
+
+TEST(DebugPrintSettings, RunRestrictionPicksOneRun) {
+  DebugPrintSettings settings;
+  EXPECT_FALSE(settings.switches.any());
+  EXPECT_TRUE(settings.printsRun(1));
+  EXPECT_FALSE(settings.printsRun(2));
+  settings.runSelection = DebugRunSelection::RunNumber;
+  settings.runNumber = 3;
+  EXPECT_FALSE(settings.printsRun(1));
+  EXPECT_FALSE(settings.printsRun(2));
+  EXPECT_TRUE(settings.printsRun(3));
+  EXPECT_FALSE(settings.printsRun(4));
+  EXPECT_EQ(kRunSelectionCaption, "Turn on selected print only in the following runs");
+  EXPECT_EQ(kFirstRunLabel, "Only the first run");
+  EXPECT_EQ(kRunNumberLabel, "Only run number y");
+}
+
+}  // namespace
+}  // namespace ovaro
