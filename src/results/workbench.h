@@ -1,0 +1,67 @@
+// The Workbench: everything one workbench window, one batch job or one test works on.
+//
+// A session of Ovaro has one current Model, its shell preferences, the number format of the
+// result tables, the debug print settings and the open debug file, the machine epsilon, and the
+// two seams to the outside (the Prompter for every message, the Progress for long work). They
+// live together here, passed explicitly to whatever needs them, never in globals: two workbenches
+// in one process do not see each other.
+//
+// (The results store, the scenario store and the random-generator state join this record as the
+// solvers that fill them arrive.)
+#pragma once
+
+#include <string>
+
+#include "io/debug_file.h"
+#include "io/debug_options.h"
+#include "model/model.h"
+#include "numeric/progress.h"
+#include "numeric/prompter.h"
+
+namespace ovaro {
+
+// Solve method selector values: the deterministic QLP path and the OLF path.
+inline constexpr int kSolveQlp = 2160;
+inline constexpr int kSolveOlf = 2161;
+
+// Preference flags of the shell (each 0 or 1, as the menu check marks show them) and the settings
+// that start-up and File: Clear restore.
+struct ShellPreferences {
+  int warningMessages = 1;        // "Warning Messages", checked at start
+  int debugImportedMatrices = 1;  // "Debug Print for Imported Matrices", checked at start
+  int askScenarioQuestion = 0;    // "Ask scenario question after solution?", unchecked at start
+  int importMatrixColumns = 5;    // "Import Matrix Columns"
+  int methodSelector = kSolveQlp;
+  friend bool operator==(const ShellPreferences&, const ShellPreferences&) = default;
+};
+
+class Workbench {
+ public:
+  // A workbench in its start-up state. The prompter and progress must outlive it.
+  Workbench(Prompter& prompter, Progress& progress);
+  // The debug file keeps a pointer to this workbench's number format: neither copied nor moved.
+  Workbench(const Workbench&) = delete;
+  Workbench& operator=(const Workbench&) = delete;
+
+  // The start-up initialisation, run again by File: Clear: an empty Model (no sizes, no flags, no
+  // arrays), the shell defaults and the machine epsilon. The number format, the debug settings
+  // and the open debug file are left as they are.
+  void resetToDefaults();
+
+  Prompter& prompter;
+  Progress& progress;
+
+  Model model;
+  ShellPreferences shell;
+  double eps = 0.0;  // machine epsilon, computed at start-up
+
+  // The number format chosen in Preferences for Results (770..795); 0 until a choice is made, in
+  // which case tables use 770 and debug dumps " %10.2f ".
+  int resultsFormat = 0;
+
+  DebugPrintSettings debug;
+  DebugFile debugFile{&resultsFormat};
+  std::string debugFileName;  // remembered from one traced command to the next
+};
+
+}  // namespace ovaro
