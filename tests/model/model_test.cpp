@@ -292,5 +292,40 @@ TEST(ExampleTable, RowsHaveDistinctIdsInTheExampleRangeAndStemDescriptions) {
   }
 }
 
+TEST(ExampleTable, EveryExampleFileReadsCleanlyAndIsListedInTheLibraryTable) {
+  const std::string dir = std::string(OVARO_SOURCE_DIR) + "/examples/";
+  const std::string library = testing::slurp(dir + "README.md");
+  for (const ExampleEntry& e : exampleTable()) {
+    SCOPED_TRACE(std::string(e.fileName));
+    Model model;
+    RecordingPrompter prompter;
+    ASSERT_EQ(readModelFile(dir + std::string(e.fileName), model, prompter), 1);
+    EXPECT_TRUE(prompter.messages().empty());
+    EXPECT_EQ(model.fileVersion, kModelFileVersion);
+    EXPECT_EQ(checkSizes(model), "");
+    EXPECT_NE(library.find(std::string(e.description)), std::string::npos);
+  }
+  EXPECT_EQ(defaultExample().fileName, "track1.ovi");  // what `make run` shows
+}
+
+TEST(ExampleTable, TheUncertainMultiplierExampleMapsItsParameterIntoB) {
+  Model model;
+  RecordingPrompter prompter;
+  ASSERT_EQ(readModelFile(std::string(OVARO_SOURCE_DIR) + "/examples/learn1.ovi", model, prompter),
+            1);
+  EXPECT_EQ(model.flags.stochTerms, opt::kParameterUncertainty);
+  EXPECT_EQ(model.dims.np.value, 1);
+  EXPECT_EQ(model.dims.nmc.value, 20);
+  const IMat ithn = toIMat(*model.matrix(MatrixId::ITHN));
+  EXPECT_EQ(ithn(1, 1), 1);  // B
+  EXPECT_EQ(ithn(1, 2), 1);
+  EXPECT_EQ(ithn(1, 3), 1);
+  EXPECT_EQ(toDouble(model.matrix(MatrixId::TH0)->cell(0, 0)),
+            toDouble(model.matrix(MatrixId::B)->cell(0, 0)));
+  EXPECT_EQ(toDouble(model.matrix(MatrixId::SITT0)->cell(0, 0)), 0.04);
+  EXPECT_EQ(model.randomSwitches.uncertainParameters, 1);
+  EXPECT_EQ(model.randomSwitches.systemEquations, 1);
+}
+
 }  // namespace
 }  // namespace ovaro

@@ -1,0 +1,16 @@
+// The batch tool, ovaro-cli: the workbench's jobs without a window.
+//
+//   ovaro-cli info MODEL.ovi [--json]     the model's sizes, forms, labels and matrices
+//   ovaro-cli convert IN.ovi OUT.ovi      read a model and write it again as the current version
+//
+// Messages go to stderr as "caption: text" and, with --json, into the output's "messages" list.
+// Exit codes: 0 success, 1 a job that failed (a file that cannot be read or written), 2 bad usage.
+#pragma once
+
+#include <iosfwd>
+
+namespace ovaro::cli {
+
+int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err);
+
+}  // namespace ovaro::cli
