@@ -1,6 +1,7 @@
 # Two commands for a fresh Debian machine:
 #   make run    install what is missing, build, and show the default example model
 #   make test   install what is missing, build, and run every test (plain, sanitizer, fuzz)
+MAKEFLAGS += --no-print-directory
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 FUZZ_SECONDS ?= 60
 DEFAULT_EXAMPLE ?= examples/track1.ovi
@@ -8,7 +9,9 @@ CLI = build/default/src/app/ovaro-cli
 
 .PHONY: run test bootstrap build test-default test-asan fuzz bench clean
 
-run: build
+run: bootstrap
+	@cmake --preset default >/dev/null
+	@cmake --build --preset default -j $(JOBS) --target ovaro-cli
 	@$(CLI) info $(DEFAULT_EXAMPLE)
 
 bootstrap:
