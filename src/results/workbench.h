@@ -1,13 +1,13 @@
 // The Workbench: everything one workbench window, one batch job or one test works on.
 //
-// A session of Ovaro has one current Model, its shell preferences, the number format of the
-// result tables, the debug print settings and the open debug file, the machine epsilon, and the
-// two seams to the outside (the Prompter for every message, the Progress for long work). They
-// live together here, passed explicitly to whatever needs them, never in globals: two workbenches
-// in one process do not see each other.
+// A session of Ovaro has one current Model, its shell preferences, the results store and the
+// number format of the result tables, the debug print settings and the open debug file, the
+// machine epsilon, and the two seams to the outside (the Prompter for every message, the
+// Progress for long work). They live together here, passed explicitly to whatever needs them,
+// never in globals: two workbenches in one process do not see each other.
 //
-// (The results store, the scenario store and the random-generator state join this record as the
-// solvers that fill them arrive.)
+// (The scenario store and the random-generator state join this record as the solvers that fill
+// them arrive.)
 #pragma once
 
 #include <string>
@@ -17,6 +17,8 @@
 #include "model/model.h"
 #include "numeric/progress.h"
 #include "numeric/prompter.h"
+#include "results/results_store.h"
+#include "solve/olf.h"
 
 namespace ovaro {
 
@@ -58,6 +60,13 @@ class Workbench {
   // The number format chosen in Preferences for Results (770..795); 0 until a choice is made, in
   // which case tables use 770 and debug dumps " %10.2f ".
   int resultsFormat = 0;
+
+  // The solutions made so far and how they are shown. Kept by File: Clear: a cleared model
+  // cannot be shown (its sizes no longer match), and the display preferences are the user's.
+  ResultsStore results;
+
+  // Preferences: Caution Experiment, read by the OLF solve. Off at start.
+  CautionExperiment caution;
 
   DebugPrintSettings debug;
   DebugFile debugFile{&resultsFormat};

@@ -24,6 +24,7 @@ TEST(Workbench, StartsEmptyWithTheShellDefaults) {
   EXPECT_EQ(wb.shell.methodSelector, kSolveQlp);
   EXPECT_EQ(wb.eps, std::ldexp(1.0, -53));
   EXPECT_EQ(wb.resultsFormat, 0);
+  EXPECT_EQ(wb.results.find("QLP"), nullptr);
   EXPECT_FALSE(wb.debug.switches.any());
   EXPECT_FALSE(wb.debugFile.isOpen());
   EXPECT_TRUE(prompter.messages().empty());

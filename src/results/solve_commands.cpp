@@ -1,0 +1,32 @@
+#include "results/solve_commands.h"
+
+#include <optional>
+
+#include "results/display_selection.h"
+#include "results/results_print.h"
+#include "solve/drivers.h"
+
+namespace ovaro {
+
+bool runSolveCommand(Workbench& wb, int method) {
+  wb.shell.methodSelector = method;
+  DebugFile* file = wb.debugFile.isOpen() ? &wb.debugFile : nullptr;
+  const SolveTrace trace = qlpSolveTrace(file, wb.debug.switches);
+  const bool qlp = method == kSolveQlp;
+  std::optional<Solution> solution = qlp ? solveQlp(wb.model, wb.prompter, trace)
+                                         : solveOlf(wb.model, wb.caution, wb.prompter, trace);
+  if (solution) {
+    if (file != nullptr)
+      printResultsToDebugFile(wb.model, *solution, wb.results.display.periodsAsRows, *file,
+                              wb.prompter);
+    // The display follows the solve just made: exactly one of the two single solves has run.
+    wb.results.ran.qlp = qlp;
+    wb.results.ran.olfWithoutUpdate = !qlp;
+    wb.results.store(StoredResult{std::move(*solution), std::nullopt});
+    SelectDisplayAfterSolve(wb.results, wb.prompter);
+  }
+  wb.debugFile.close();
+  return solution.has_value();
+}
+
+}  // namespace ovaro

@@ -1,0 +1,17 @@
+// The Solve: QLP and Solve: OLF commands on a workbench: solve the current Model, leave the
+// solution in the results store, choose the display, and close the debug file of a traced solve.
+//
+// A traced solve (a Print variant in the workbench, --debug in the batch tool) opens the
+// workbench's debug file before calling; the solve then writes its heading, the dumps its debug
+// switches ask for and the results print, and the file is closed when the command ends.
+#pragma once
+
+#include "results/workbench.h"
+
+namespace ovaro {
+
+// Runs the solve that `method` names (kSolveQlp or kSolveOlf) and records it as the solve method.
+// True when a solution was made; false when the Model was refused (the reason has been shown).
+bool runSolveCommand(Workbench& wb, int method);
+
+}  // namespace ovaro

@@ -1,0 +1,76 @@
+// The solve commands on a workbench: what they leave in the results store and the debug file.
+#include "results/solve_commands.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "model/model_file.h"
+#include "numeric/progress.h"
+#include "support/temp_dir.h"
+
+namespace ovaro {
+namespace {
+
+using testing::slurp;
+using testing::TempDir;
+
+std::string example(const char* name) {
+  return std::string(OVARO_SOURCE_DIR) + "/examples/" + name;
+}
+
+TEST(SolveCommands, EachSolveStoresItsSolutionAndSelectsItsDisplay) {
+  RecordingPrompter prompter;
+  NullProgress progress;
+  Workbench wb(prompter, progress);
+  ASSERT_EQ(readModelFile(example("learn1.ovi"), wb.model, prompter), 1);
+
+  ASSERT_TRUE(runSolveCommand(wb, kSolveQlp));
+  EXPECT_EQ(wb.shell.methodSelector, kSolveQlp);
+  EXPECT_EQ(wb.results.display.selector, 3300);
+  ASSERT_NE(wb.results.find("QLP"), nullptr);
+  const double qlpCriterion = wb.results.find("QLP")->solution.criterion;
+
+  ASSERT_TRUE(runSolveCommand(wb, kSolveOlf));
+  EXPECT_EQ(wb.shell.methodSelector, kSolveOlf);
+  EXPECT_EQ(wb.results.display.selector, 3304);
+  ASSERT_NE(wb.results.find("OLFwo"), nullptr);
+  // Both solutions are kept side by side; uncertainty about the multiplier costs something.
+  EXPECT_EQ(wb.results.find("QLP")->solution.criterion, qlpCriterion);
+  EXPECT_NE(wb.results.find("OLFwo")->solution.criterion, qlpCriterion);
+
+  // Solving QLP again shows QLP, not the older OLF solution.
+  ASSERT_TRUE(runSolveCommand(wb, kSolveQlp));
+  EXPECT_EQ(wb.results.display.selector, 3300);
+  EXPECT_TRUE(prompter.messages().empty());
+}
+
+TEST(SolveCommands, ARefusedSolveKeepsWhatWasShownAndClosesTheDebugFile) {
+  RecordingPrompter prompter;
+  NullProgress progress;
+  Workbench wb(prompter, progress);
+  ASSERT_EQ(readModelFile(example("track1.ovi"), wb.model, prompter), 1);
+  ASSERT_TRUE(runSolveCommand(wb, kSolveQlp));
+
+  TempDir dir;
+  ASSERT_TRUE(wb.debugFile.open(dir.file("olf.dbg")));
+  EXPECT_FALSE(runSolveCommand(wb, kSolveOlf));
+  EXPECT_FALSE(wb.debugFile.isOpen());
+  EXPECT_EQ(slurp(dir.file("olf.dbg")), "");
+  ASSERT_EQ(prompter.messages().size(), 1u);
+  EXPECT_EQ(prompter.messages()[0].caption, "Warning!!");
+  EXPECT_EQ(wb.results.display.selector, 3300);
+  EXPECT_EQ(wb.results.find("OLFwo"), nullptr);
+
+  // A traced QLP solve with the second results-print option writes the table after the heading.
+  wb.model.display.words[5] = 1;
+  ASSERT_TRUE(wb.debugFile.open(dir.file("qlp.dbg")));
+  ASSERT_TRUE(runSolveCommand(wb, kSolveQlp));
+  EXPECT_FALSE(wb.debugFile.isOpen());
+  const std::string text = slurp(dir.file("qlp.dbg"));
+  EXPECT_EQ(text.rfind("Debug File for QLP ", 0), 0u);
+  EXPECT_NE(text.find("resultstransoptdes"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace ovaro
