@@ -1,5 +1,5 @@
 # Two commands for a fresh Debian machine:
-#   make run    install what is missing, build, and show the default example model
+#   make run    install what is missing, build, and solve the default example model by QLP
 #   make test   install what is missing, build, and run every test (plain, sanitizer, fuzz)
 MAKEFLAGS += --no-print-directory
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
@@ -12,7 +12,7 @@ CLI = build/default/src/app/ovaro-cli
 run: bootstrap
 	@cmake --preset default >/dev/null
 	@cmake --build --preset default -j $(JOBS) --target ovaro-cli
-	@$(CLI) info $(DEFAULT_EXAMPLE)
+	@$(CLI) solve $(DEFAULT_EXAMPLE) --method qlp --desired --format 778
 
 bootstrap:
 	@scripts/bootstrap.sh

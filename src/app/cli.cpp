@@ -2,12 +2,20 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdlib>
 #include <ostream>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "app/model_report.h"
+#include "io/debug_options.h"
+#include "io/number_format.h"
 #include "model/model_file.h"
+#include "model/options.h"
 #include "numeric/prompter.h"
+#include "results/results_table.h"
+#include "results/solve_commands.h"
 #include "results/workbench.h"
 
 namespace ovaro::cli {
@@ -69,6 +77,135 @@ int convert(const ConvertOptions& o, std::ostream& err) {
   return kExitOk;
 }
 
+struct SolveOptions {
+  std::string model;
+  std::string method = "qlp";
+  int format = 0;
+  bool desired = false;
+  bool json = false;
+  std::string debug;
+  std::string trace;
+  std::string caution;
+};
+
+// Splits a comma list, keeping empty items so that "a,,b" is caught as an error.
+std::vector<std::string> splitCommas(const std::string& text) {
+  std::vector<std::string> items;
+  std::stringstream in(text);
+  std::string item;
+  while (std::getline(in, item, ',')) items.push_back(item);
+  if (!text.empty() && text.back() == ',') items.emplace_back();
+  return items;
+}
+
+// The switches named by --trace: machine names of the Debug Print Options, or "all".
+bool parseTrace(const std::string& text, DebugSwitches& switches, std::ostream& err) {
+  for (const std::string& name : splitCommas(text)) {
+    if (name == "all") {
+      switches.set(DebugSwitch::QlpAll);
+      continue;
+    }
+    const std::optional<DebugSwitch> s = findDebugSwitch(name);
+    if (!s) {
+      err << "ovaro-cli: unknown debug switch '" << name << "'. Known switches:";
+      for (const DebugSwitchInfo& info : debugSwitchTable())
+        if (info.page == DebugPage::QlpOlf) err << ' ' << info.name;
+      err << " (or all)\n";
+      return false;
+    }
+    switches.set(*s);
+  }
+  return true;
+}
+
+// --caution ROW,COL,VALUE,PERIOD.
+bool parseCaution(const std::string& text, CautionExperiment& caution, std::ostream& err) {
+  const std::vector<std::string> parts = splitCommas(text);
+  auto integer = [](const std::string& s, int& v) {
+    char* end = nullptr;
+    const long x = std::strtol(s.c_str(), &end, 10);
+    if (s.empty() || *end != '\0' || x < -1000000 || x > 1000000) return false;
+    v = static_cast<int>(x);
+    return true;
+  };
+  bool ok = parts.size() == 4 && integer(parts[0], caution.row) &&
+            integer(parts[1], caution.column) && integer(parts[3], caution.period);
+  if (ok) {
+    char* end = nullptr;
+    caution.value = std::strtod(parts[2].c_str(), &end);
+    ok = !parts[2].empty() && *end == '\0';
+  }
+  if (!ok) {
+    err << "ovaro-cli: --caution takes ROW,COL,VALUE,PERIOD, for example 1,1,0.09,1\n";
+    return false;
+  }
+  caution.on = 1;
+  return true;
+}
+
+nlohmann::json pathsJson(const Mat& paths, int rows, int lastPeriod) {
+  nlohmann::json list = nlohmann::json::array();
+  for (int i = 1; i <= rows; ++i) {
+    nlohmann::json row = nlohmann::json::array();
+    for (int t = 0; t <= lastPeriod; ++t) row.push_back(paths(i, t));
+    list.push_back(row);
+  }
+  return list;
+}
+
+int solve(const SolveOptions& o, std::ostream& out, std::ostream& err) {
+  RecordingPrompter prompter(&err);
+  NullProgress progress;
+  Workbench wb(prompter, progress);
+  const int method = o.method == "olf" ? kSolveOlf : kSolveQlp;
+  if (!o.trace.empty() && !parseTrace(o.trace, wb.debug.switches, err)) return kExitUsage;
+  if (!o.caution.empty()) {
+    if (method != kSolveOlf) {
+      err << "ovaro-cli: --caution applies to --method olf only\n";
+      return kExitUsage;
+    }
+    if (!parseCaution(o.caution, wb.caution, err)) return kExitUsage;
+  }
+  auto failed = [&] {
+    if (o.json)
+      out << dumpJson({{"error", prompter.messages().empty() ? std::string("solve failed")
+                                                             : prompter.messages().back().text},
+                       {"messages", messagesJson(prompter.messages())}});
+    return kExitFailed;
+  };
+  if (readModelFile(o.model, wb.model, prompter) != 1) {
+    fileMessage(prompter, "Could not read file %s!", o.model);
+    return failed();
+  }
+  wb.resultsFormat = o.format;
+  wb.results.display.desiredPaths = o.desired;
+  const bool rows = wb.model.display.orientation != opt::kPeriodsAsColumns;
+  wb.results.display.periodsAsRows = rows;
+  wb.results.display.periodsAsColumns = !rows;
+  if (!o.debug.empty() && !wb.debugFile.open(o.debug)) {
+    fileMessage(prompter, "Could not write file %s", o.debug);
+    return failed();
+  }
+  if (!runSolveCommand(wb, method)) return failed();
+
+  const StoredResult* result = wb.results.find(method == kSolveQlp ? "QLP" : "OLFwo");
+  const Solution& s = result->solution;
+  if (o.json) {
+    nlohmann::json j;
+    j["method"] = s.method;
+    j["criterion"] = s.criterion;
+    j["states"] = pathsJson(s.xs, s.n, s.nt);
+    j["controls"] = pathsJson(s.us, s.m, s.nt - 1);
+    j["desired_states"] = pathsJson(s.xtws, s.n, s.nt);
+    j["desired_controls"] = pathsJson(s.utws, s.m, s.nt - 1);
+    j["messages"] = messagesJson(prompter.messages());
+    out << dumpJson(j);
+  } else {
+    out << renderResultsText(wb.model, wb.results, wb.resultsFormat);
+  }
+  return kExitOk;
+}
+
 }  // namespace
 
 int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
@@ -89,6 +226,30 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
   convertCmd->add_option("in", convertOptions.in, "Model file to read")->required();
   convertCmd->add_option("out", convertOptions.out, "Model file to write")->required();
 
+  SolveOptions solveOptions;
+  CLI::App* solveCmd = app.add_subcommand(
+      "solve", "Solve a model by QLP or by OLF without updating and print the results table");
+  solveCmd->add_option("model", solveOptions.model, "Model file (.ovi)")->required();
+  solveCmd->add_option("--method", solveOptions.method, "qlp (default) or olf")
+      ->check(CLI::IsMember({"qlp", "olf"}));
+  std::vector<int> formatIds;
+  for (const NumberFormat& f : numberFormats()) formatIds.push_back(f.id);
+  solveCmd
+      ->add_option("--format", solveOptions.format,
+                   "Number format id: 770 00., 774 00.0, 778 00.00, 782 00.000, 784 00.0000, "
+                   "785 0.0000E+000, 786 0.00E+000, 790 0.000000E+000, 795 %g (default 770)")
+      ->check(CLI::IsMember(formatIds));
+  solveCmd->add_flag("--desired", solveOptions.desired,
+                     "Show the desired paths beside the optimal");
+  solveCmd->add_flag("--json", solveOptions.json, "Print a JSON object instead of the table");
+  solveCmd->add_option("--debug", solveOptions.debug, "Write a debug print file");
+  solveCmd
+      ->add_option("--trace", solveOptions.trace,
+                   "Comma list of debug switches (qlp.k-and-p, qlp.x-and-u, ...) or all")
+      ->needs(solveCmd->get_option("--debug"));
+  solveCmd->add_option("--caution", solveOptions.caution,
+                       "ROW,COL,VALUE,PERIOD: perturb SITT0(ROW,COL) to VALUE in PERIOD (olf)");
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp&) {
@@ -105,6 +266,7 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
 
   if (infoCmd->parsed()) return info(infoOptions, out, err);
   if (convertCmd->parsed()) return convert(convertOptions, err);
+  if (solveCmd->parsed()) return solve(solveOptions, out, err);
   return kExitUsage;
 }
 

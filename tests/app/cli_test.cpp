@@ -11,6 +11,7 @@
 
 #include "model/model_file.h"
 #include "support/model_fixtures.h"
+#include "support/run_cli.h"
 #include "support/temp_dir.h"
 
 namespace ovaro {
@@ -21,24 +22,9 @@ using testing::slurp;
 using testing::spit;
 using testing::TempDir;
 
-struct Result {
-  int code;
-  std::string out;
-  std::string err;
-};
-
-Result runCli(std::vector<std::string> args) {
-  args.insert(args.begin(), "ovaro-cli");
-  std::vector<const char*> argv;
-  for (const auto& a : args) argv.push_back(a.c_str());
-  std::ostringstream out, err;
-  const int code = cli::run(static_cast<int>(argv.size()), argv.data(), out, err);
-  return {code, out.str(), err.str()};
-}
-
-std::string example(const char* name) {
-  return std::string(OVARO_SOURCE_DIR) + "/examples/" + name;
-}
+using Result = testing::CliResult;
+using testing::example;
+using testing::runCli;
 
 TEST(CliInfo, JsonDescribesTheModelWithTheDocumentedKeys) {
   const Result r = runCli({"info", example("infl2.ovi"), "--json"});
