@@ -191,12 +191,7 @@ int CompKpg(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat& 
             const UncertainParameters& par, Mat& g, Mat& glc, const SolveTrace& trace) {
   OlfWork w(n, m);
   int ok = compKpgBody(n, m, nt, k, a, b, cs, f, lamlcs, lams, wlcs, ws, par, w, nullptr, trace);
-  mmov(m, n, w.g, g);
-  mmov(m, 1, w.glc, glc);
-  if (trace.on(SolveTopic::GAndG)) {
-    ok &= trace.file().dumpMatrix("g", 1, m, 1, n, g);
-    ok &= trace.file().dumpMatrix("glc", 1, m, 1, 1, glc);
-  }
+  ok &= takeRule(n, m, w, g, glc, trace);
   return ok;
 }
 

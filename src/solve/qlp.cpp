@@ -304,6 +304,15 @@ void storeRule(int n, int m, int t, const Mat& g, const Mat& glc, FeedbackRule& 
   }
 }
 
+int takeRule(int n, int m, const RiccatiWork& w, Mat& g, Mat& glc, const SolveTrace& trace) {
+  mmov(m, n, w.g, g);
+  mmov(m, 1, w.glc, glc);
+  if (!trace.on(SolveTopic::GAndG)) return 1;
+  int ok = trace.file().dumpMatrix("g", 1, m, 1, n, g);
+  ok &= trace.file().dumpMatrix("glc", 1, m, 1, 1, glc);
+  return ok;
+}
+
 int pathsAndCriterion(const SystemArrays& sys, const CriterionArrays& crit,
                       const FeedbackRule& rule, Mat& xs, Mat& us, double& criterion,
                       const SolveTrace& trace) {
@@ -658,12 +667,7 @@ int CompKpgCe(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat
               const SolveTrace& trace) {
   RiccatiWork w(n, m);
   int ok = compKpgCeBody(n, m, nt, k, a, b, cs, f, lamlcs, lams, wlcs, ws, w, nullptr, trace);
-  mmov(m, n, w.g, g);
-  mmov(m, 1, w.glc, glc);
-  if (trace.on(SolveTopic::GAndG)) {
-    ok &= trace.file().dumpMatrix("g", 1, m, 1, n, g);
-    ok &= trace.file().dumpMatrix("glc", 1, m, 1, 1, glc);
-  }
+  ok &= takeRule(n, m, w, g, glc, trace);
   return ok;
 }
 

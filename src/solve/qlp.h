@@ -88,6 +88,10 @@ struct RiccatiWork {
 // Keeps G and g as the rule of period t.
 void storeRule(int n, int m, int t, const Mat& g, const Mat& glc, FeedbackRule& rule);
 
+// Copies the rule of the last step solved out of the running values (dumped as "g" and "glc"):
+// what a per-period re-solve returns.
+int takeRule(int n, int m, const RiccatiWork& w, Mat& g, Mat& glc, const SolveTrace& trace);
+
 // The backward recursion over periods nt-1..0 from the terminal K = diag(ws(:, nt)),
 // p = wlcs(:, nt). Returns 0 when a debug write failed.
 int riccati(const SystemArrays& sys, const CriterionArrays& crit, FeedbackRule& rule,
