@@ -28,8 +28,28 @@ enum class SolveTopic : int {
   XAndUIntermediate,    // the forward pass, period by period
   XAndU,                // the optimal paths
   CriterionValue,       // the criterion
+  // The stochastic runs.
+  RunHeadings,                  // the period and iteration headings of a Monte Carlo run
+  RandomIntermediates,          // the draws inside the normal generators
+  RandomFinals,                 // the random terms of each run
+  RandomMeans,                  // the sample moments of the draws over the runs
+  ProjectionMeansIntermediate,  // the prediction of the means, step by step
+  ProjectionMeansFinal,         // the predicted means
+  ProjectionCovariancesIntermediate,
+  ProjectionCovariancesFinal,
+  FilterMeansIntermediate,  // the measurement update of the means, step by step
+  FilterMeansFinal,
+  FilterCovariancesIntermediate,
+  FilterCovariancesFinal,
+  ThetaCovariance,             // the updated parameter covariance alone
+  TrueParametersIntermediate,  // the true parameters' evolution, step by step
+  TrueParametersFinal,
+  EstimatedParametersFinal,    // the estimated parameter path of a run
+  StatesControlsIntermediate,  // the one-period simulation of the true system
+  StatesControlsFinal,         // the true paths and criterion of a run
+  MonteCarloSummary,           // criteria over the runs, counts and averages
 };
-inline constexpr int kSolveTopicCount = static_cast<int>(SolveTopic::CriterionValue) + 1;
+inline constexpr int kSolveTopicCount = static_cast<int>(SolveTopic::MonteCarloSummary) + 1;
 
 class SolveTrace {
  public:
