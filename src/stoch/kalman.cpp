@@ -1,0 +1,338 @@
+// The augmented extended Kalman filter on z = (x, theta).
+//
+// The true system x(k+1) = A(theta) x(k) + B(theta) u(k) + c(theta) + xsi is bilinear in the
+// uncertain parameters and the states, so the filter works on the linearisation around the
+// current estimates: fxt, the derivative of A x + B u + c with respect to theta at (xhkk, uk),
+// carries the parameter uncertainty into the state prediction, and two second-order terms keep
+// what the linearisation would lose when an uncertain A multiplies an uncertain x: eaistx in the
+// predicted mean, eiej4 in the predicted state covariance. The parameters themselves follow
+// theta(k+1) = D theta(k) + eta.
+//
+// Every triple product A B C is formed as A (B C) by the matrix library's mmul3, and every sum in
+// the order written, so that two runs give the same bits. Temporaries are allocated once per call,
+// outside the loops; no input is overwritten.
+#include "stoch/kalman.h"
+
+#include "numeric/matrix_ops.h"
+#include "solve/system_forms.h"
+
+namespace ovaro {
+
+namespace {
+
+// trace(P Q R S) for P n x p, Q p x p, R p x n, S n x n: the running sum of
+// P(i, k) Q(k, j) R(j, l) S(l, i) with i (1..n) and j (1..p) as the outer loops and k (1..p) and
+// l (1..n) as the inner ones, the nesting of mtrace4.
+double trace4Mixed(int n, int p, const Mat& P, const Mat& Q, const Mat& R, const Mat& S) {
+  double sum = 0.0;
+  for (int i = 1; i <= n; ++i)
+    for (int j = 1; j <= p; ++j)
+      for (int k = 1; k <= p; ++k)
+        for (int l = 1; l <= n; ++l) sum += P(i, k) * Q(k, j) * R(j, l) * S(l, i);
+  return sum;
+}
+
+// Column vectors as the dumps show them.
+int dumpColumn(DebugFile& f, const char* label, int rows, const Mat& v) {
+  return f.dumpMatrix(label, 1, rows, 1, 1, v);
+}
+
+}  // namespace
+
+// xhk1k = (A xhkk + B uk + c) + eaistx, eaistx_i = trace(ath_i sitxkk); thk1k = D thkk.
+void KStep(int n, int m, int l, int np, const Mat& a, const Mat& b, const Mat& c, const Mat& d,
+           const Mat& xhkk, const Mat& thkk, const Mat& uk, const Mat3& ath, const Mat3& bth,
+           const Mat3& cth, const Mat& sixxkk, const Mat& sitxkk, const Mat& sittkk, Mat& xhk1k,
+           Mat& thk1k, const SolveTrace& trace) {
+  const bool steps = trace.on(SolveTopic::ProjectionMeansIntermediate);
+  if (steps) {
+    DebugFile& f = trace.file();
+    dumpColumn(f, "c in KStep", n, c);
+    f.dumpMatrix("d in KStep", 1, np, 1, np, d);
+    dumpColumn(f, "xhkk in KStep", n, xhkk);
+    dumpColumn(f, "uk in KStep", m, uk);
+    f.dumpMatrix("sixxkk in KStep", 1, n, 1, n, sixxkk);
+    f.dumpMatrix("sitxkk in KStep", 1, np, 1, n, sitxkk);
+    f.dumpMatrix("sittkk in KStep", 1, np, 1, np, sittkk);
+  }
+
+  Mat axbuc = mat2(1, n, 1, 1);
+  CompAxBuc(n, m, a, b, c, xhkk, uk, axbuc);
+
+  // E[A x] = A xhat + E[(A - Ahat)(x - xhat)]: for equation i the covariance of the uncertain
+  // elements of row i of A with x, which is trace(ath_i sitxkk).
+  Mat eaistx = mat2(1, n, 1, 1);
+  Mat athi = mat2(1, n, 1, np);
+  for (int i = 1; i <= n; ++i) {
+    mslice3get(n, np, i, ath, athi);
+    eaistx(i, 1) = mtrace2(n, np, athi, sitxkk);
+  }
+  madd(n, 1, axbuc, eaistx, xhk1k);
+  mmul(np, np, 1, d, thkk, thk1k);
+
+  if (steps) {
+    DebugFile& f = trace.file();
+    dumpColumn(f, "axbuc in KStep", n, axbuc);
+    f.dumpMatrix3("ath in KStep", 1, n, 1, np, 1, n, ath);
+    f.dumpMatrix3("bth in KStep", 1, m, 1, np, 1, n, bth);
+    f.dumpMatrix3("cth in KStep", 1, l > 1 ? l : 1, 1, np, 1, n, cth);
+    dumpColumn(f, "eaistx in KStep", n, eaistx);
+  }
+  if (trace.on(SolveTopic::ProjectionMeansFinal)) {
+    DebugFile& f = trace.file();
+    dumpColumn(f, "xhk1k in KStep", n, xhk1k);
+    dumpColumn(f, "thk1k in KStep", np, thk1k);
+  }
+}
+
+// fxt(i, :) = xhkk' ath_i + (uk' bth_i + cth_i).
+void Fxtk(int n, int m, int l, int np, const Mat3& ath, const Mat3& bth, const Mat3& cth,
+          const Mat& xhkk, const Mat& uk, Mat& fxt, const SolveTrace& trace) {
+  const bool steps = trace.on(SolveTopic::ProjectionCovariancesIntermediate);
+  if (steps) {
+    DebugFile& f = trace.file();
+    f.dumpMatrix3("ath in Fxtk", 1, n, 1, np, 1, n, ath);
+    f.dumpMatrix3("bth in Fxtk", 1, m, 1, np, 1, n, bth);
+    f.dumpMatrix3("cth in Fxtk", 1, l > 1 ? l : 1, 1, np, 1, n, cth);
+    dumpColumn(f, "xhkk in Fxtk", n, xhkk);
+    dumpColumn(f, "uk in Fxtk", m, uk);
+  }
+  Mat xt = mat2(1, 1, 1, n), ut = mat2(1, 1, 1, m);
+  mtrans(n, 1, xhkk, xt);
+  mtrans(m, 1, uk, ut);
+  Mat athi = mat2(1, n, 1, np), bthi = mat2(1, m, 1, np), cthi = mat2(1, 1, 1, np);
+  Mat xa = mat2(1, 1, 1, np), ub = mat2(1, 1, 1, np), ubc = mat2(1, 1, 1, np);
+  Mat fxti = mat2(1, 1, 1, np);
+  for (int i = 1; i <= n; ++i) {
+    mslice3get(n, np, i, ath, athi);
+    mslice3get(m, np, i, bth, bthi);
+    mslice3get(1, np, i, cth, cthi);
+    mmul(1, n, np, xt, athi, xa);
+    mmul(1, m, np, ut, bthi, ub);
+    madd(1, np, ub, cthi, ubc);
+    madd(1, np, xa, ubc, fxti);
+    for (int k = 1; k <= np; ++k) fxt(i, k) = fxti(1, k);
+    if (steps) {
+      DebugFile& f = trace.file();
+      f.dumpMatrix("xa in Fxtk", 1, 1, 1, np, xa);
+      f.dumpMatrix("ub in Fxtk", 1, 1, 1, np, ub);
+      f.dumpMatrix("ubc in Fxtk", 1, 1, 1, np, ubc);
+      f.dumpMatrix("fxti in Fxtk", 1, 1, 1, np, fxti);
+    }
+  }
+  if (steps) trace.file().dumpMatrix("fxt in Fxtk", 1, n, 1, np, fxt);
+}
+
+// sixxk1k = (A sixx A' + A sixt fxt' + fxt sitx A' + fxt sitt fxt') + Q + eiej4,
+// sitxk1k = D sitx A' + D sitt fxt', sittk1k = D sitt D' + GAM.
+void Sk1k(int n, int m, int l, int np, const Mat& a, const Mat3& ath, const Mat& d, const Mat& fxt,
+          const Mat& sixxkk, const Mat& sitxkk, const Mat& sittkk, const Mat& q, const Mat& gam,
+          Mat& sixxk1k, Mat& sitxk1k, Mat& sittk1k, const SolveTrace& trace) {
+  (void)m;
+  (void)l;
+  const bool steps = trace.on(SolveTopic::ProjectionCovariancesIntermediate);
+  if (steps) {
+    DebugFile& f = trace.file();
+    f.dumpMatrix("sixxkk in Sk1k", 1, n, 1, n, sixxkk);
+    f.dumpMatrix("sitxkk in Sk1k", 1, np, 1, n, sitxkk);
+    f.dumpMatrix("sittkk in Sk1k", 1, np, 1, np, sittkk);
+  }
+
+  // eiej4(i, j) = E[(A - Ahat)_i (x - xhat) (x - xhat)' (A - Ahat)_j'] under normality, the
+  // second-order term of the product of an uncertain A with an uncertain x:
+  // trace(ath_i sitx ath_j sitx) + trace(ath_i sitt ath_j' sixx).
+  Mat tr4as = mat2(1, n, 1, n), tr4bs = mat2(1, n, 1, n), eiej4 = mat2(1, n, 1, n);
+  Mat athi = mat2(1, n, 1, np), athj = mat2(1, n, 1, np), athjt = mat2(1, np, 1, n);
+  for (int i = 1; i <= n; ++i) {
+    mslice3get(n, np, i, ath, athi);
+    if (steps) trace.file().dumpMatrix("athi in Sk1k", 1, n, 1, np, athi);
+    for (int j = 1; j <= n; ++j) {
+      mslice3get(n, np, j, ath, athj);
+      const double tr4a = mtrace4(n, np, athi, sitxkk, athj, sitxkk);
+      mtrans(n, np, athj, athjt);
+      const double tr4b = trace4Mixed(n, np, athi, sittkk, athjt, sixxkk);
+      tr4as(i, j) = tr4a;
+      tr4bs(i, j) = tr4b;
+      eiej4(i, j) = tr4a + tr4b;
+      if (steps) {
+        DebugFile& f = trace.file();
+        f.dumpMatrix("athjt in Sk1k", 1, np, 1, n, athjt);
+        f.writeRemark(" tr4b = ", tr4b);
+      }
+    }
+  }
+  if (steps) {
+    DebugFile& f = trace.file();
+    f.dumpMatrix("tr4as in Sk1k", 1, n, 1, n, tr4as);
+    f.dumpMatrix("tr4bs in Sk1k", 1, n, 1, n, tr4bs);
+    f.dumpMatrix("eiej4 in Sk1k", 1, n, 1, n, eiej4);
+  }
+
+  Mat at = mat2(1, n, 1, n), asxxa = mat2(1, n, 1, n);
+  mtrans(n, n, a, at);
+  mmul3(n, n, n, n, a, sixxkk, at, asxxa);
+
+  Mat fxtt = mat2(1, np, 1, n), sixtkk = mat2(1, n, 1, np);
+  Mat asf = mat2(1, n, 1, n), asft = mat2(1, n, 1, n), fsf = mat2(1, n, 1, n);
+  mtrans(n, np, fxt, fxtt);
+  mtrans(np, n, sitxkk, sixtkk);
+  mmul3(n, n, np, n, a, sixtkk, fxtt, asf);
+  mtrans(n, n, asf, asft);
+  mmul3(n, np, np, n, fxt, sittkk, fxtt, fsf);
+
+  Mat a4 = mat2(1, n, 1, n);
+  madd4(n, n, asxxa, asf, asft, fsf, a4);
+  madd3(n, n, a4, q, eiej4, sixxk1k);
+
+  Mat dsa = mat2(1, np, 1, n), dsf = mat2(1, np, 1, n);
+  mmul3(np, np, n, n, d, sitxkk, at, dsa);
+  mmul3(np, np, np, n, d, sittkk, fxtt, dsf);
+  madd(np, n, dsa, dsf, sitxk1k);
+
+  Mat dt = mat2(1, np, 1, np), dsd = mat2(1, np, 1, np);
+  mtrans(np, np, d, dt);
+  mmul3(np, np, np, np, d, sittkk, dt, dsd);
+  madd(np, np, dsd, gam, sittk1k);
+
+  const bool finals = trace.on(SolveTopic::ProjectionCovariancesFinal);
+  if (!steps && !finals) return;
+  DebugFile& f = trace.file();
+  if (steps) {
+    f.dumpMatrix("a in Sk1k", 1, n, 1, n, a);
+    f.dumpMatrix("at in Sk1k", 1, n, 1, n, at);
+    f.dumpMatrix("asxxa in Sk1k", 1, n, 1, n, asxxa);
+    f.dumpMatrix("fxtt in Sk1k", 1, np, 1, n, fxtt);
+    f.dumpMatrix("sixtkk in Sk1k", 1, n, 1, np, sixtkk);
+    f.dumpMatrix("asf in Sk1k", 1, n, 1, n, asf);
+    f.dumpMatrix("asft in Sk1k", 1, n, 1, n, asft);
+    f.dumpMatrix("fsf in Sk1k", 1, n, 1, n, fsf);
+    f.dumpMatrix("a4 in Sk1k", 1, n, 1, n, a4);
+  }
+  if (finals) f.dumpMatrix("sixxk1k in Sk1k", 1, n, 1, n, sixxk1k);
+  if (steps) {
+    f.dumpMatrix("dsa in Sk1k", 1, np, 1, n, dsa);
+    f.dumpMatrix("dsf in Sk1k", 1, np, 1, n, dsf);
+  }
+  if (finals) f.dumpMatrix("sitxk1k in Sk1k", 1, np, 1, n, sitxk1k);
+  if (steps) {
+    f.dumpMatrix("dt in Sk1k", 1, np, 1, np, dt);
+    f.dumpMatrix("dsd in Sk1k", 1, np, 1, np, dsd);
+    f.dumpMatrix("gam in Sk1k", 1, np, 1, np, gam);
+  }
+  if (finals) f.dumpMatrix("sittk1k in Sk1k", 1, np, 1, np, sittk1k);
+}
+
+void Sigk1k(int n, int m, int l, int np, const Mat& a, const Mat& c, const Mat& d, const Mat& xhkk,
+            const Mat& uk, const Mat3& ath, const Mat3& bth, const Mat3& cth, const Mat& sixxkk,
+            const Mat& sitxkk, const Mat& sittkk, const Mat& q, const Mat& gam, Mat& sixxk1k,
+            Mat& sitxk1k, Mat& sittk1k, const SolveTrace& trace) {
+  if (trace.on(SolveTopic::ProjectionCovariancesIntermediate)) {
+    Mat cLocal = mat2(1, n, 1, 1);
+    mmov(n, 1, c, cLocal);
+    DebugFile& f = trace.file();
+    dumpColumn(f, "c in Sigk1k", n, cLocal);
+    dumpColumn(f, "xhkk in Sigk1k", n, xhkk);
+    dumpColumn(f, "uk in Sigk1k", m, uk);
+    f.dumpMatrix("sixxkk in Sigk1k", 1, n, 1, n, sixxkk);
+    f.dumpMatrix("sitxkk in Sigk1k", 1, np, 1, n, sitxkk);
+    f.dumpMatrix("sittkk in Sigk1k", 1, np, 1, np, sittkk);
+  }
+  Mat fxt = mat2(1, n, 1, np);
+  Fxtk(n, m, l, np, ath, bth, cth, xhkk, uk, fxt, trace);
+  Sk1k(n, m, l, np, a, ath, d, fxt, sixxkk, sitxkk, sittkk, q, gam, sixxk1k, sitxk1k, sittk1k,
+       trace);
+}
+
+// With s = H sixx H' + R and the gain blocks sixx H' s^-1 and sitx H' s^-1:
+// xhk1k1 = xhk1k + sixx H' s^-1 (y - H xhk1k), thk1k1 = thk1k + sitx H' s^-1 (y - H xhk1k),
+// and each covariance block loses its part explained by the observation.
+void Sigk1k1(int n, int m, int np, int ny, const Mat& y, const Mat& xhk1k, const Mat& thk1k,
+             const Mat& sixxk1k, const Mat& sitxk1k, const Mat& sittk1k, const Mat& h, const Mat& r,
+             Mat& xhk1k1, Mat& thk1k1, Mat& sixxk1k1, Mat& sitxk1k1, Mat& sittk1k1,
+             const SolveTrace& trace) {
+  (void)m;
+  const bool covSteps = trace.on(SolveTopic::FilterCovariancesIntermediate);
+  const bool covFinals = trace.on(SolveTopic::FilterCovariancesFinal);
+  const bool thetaCov = covFinals || trace.on(SolveTopic::ThetaCovariance);
+  const bool meanSteps = trace.on(SolveTopic::FilterMeansIntermediate);
+  const bool meanFinals = trace.on(SolveTopic::FilterMeansFinal);
+
+  // The innovation covariance and its inverse.
+  Mat ht = mat2(1, n, 1, ny), hsh = mat2(1, ny, 1, ny), s = mat2(1, ny, 1, ny);
+  mtrans(ny, n, h, ht);
+  mmul3(ny, n, n, ny, h, sixxk1k, ht, hsh);
+  madd(ny, ny, hsh, r, s);
+  Mat scopy = mat2(1, ny, 1, ny), sinverse = mat2(1, ny, 1, ny), check = mat2(1, ny, 1, ny);
+  mmov(ny, ny, s, scopy);
+  minv(ny, scopy, sinverse);
+  mmul(ny, ny, ny, s, sinverse, check);
+  Mat hsih = mat2(1, n, 1, n);
+  mmul3(n, ny, ny, n, ht, sinverse, h, hsih);
+
+  // Covariances: every correction is formed from the predicted blocks alone.
+  Mat sxxhsihsxx = mat2(1, n, 1, n);
+  mmul3(n, n, n, n, sixxk1k, hsih, sixxk1k, sxxhsihsxx);
+  msub(n, n, sixxk1k, sxxhsihsxx, sixxk1k1);
+  Mat stxhsihsxx = mat2(1, np, 1, n);
+  mmul3(np, n, n, n, sitxk1k, hsih, sixxk1k, stxhsihsxx);
+  msub(np, n, sitxk1k, stxhsihsxx, sitxk1k1);
+  Mat sixtk1k = mat2(1, n, 1, np), stxhsihsxt = mat2(1, np, 1, np);
+  mtrans(np, n, sitxk1k, sixtk1k);
+  mmul3(np, n, n, np, sitxk1k, hsih, sixtk1k, stxhsihsxt);
+  msub(np, np, sittk1k, stxhsihsxt, sittk1k1);
+
+  // Means.
+  Mat hx = mat2(1, ny, 1, 1), yhx = mat2(1, ny, 1, 1);
+  mmul(ny, n, 1, h, xhk1k, hx);
+  msub(ny, 1, y, hx, yhx);
+  Mat sxxhs = mat2(1, n, 1, ny), sxxhsyhx = mat2(1, n, 1, 1);
+  mmul3(n, n, ny, ny, sixxk1k, ht, sinverse, sxxhs);
+  mmul(n, ny, 1, sxxhs, yhx, sxxhsyhx);
+  madd(n, 1, xhk1k, sxxhsyhx, xhk1k1);
+  Mat stxhs = mat2(1, np, 1, ny), stxhsyhx = mat2(1, np, 1, 1);
+  mmul3(np, n, ny, ny, sitxk1k, ht, sinverse, stxhs);
+  mmul(np, ny, 1, stxhs, yhx, stxhsyhx);
+  madd(np, 1, thk1k, stxhsyhx, thk1k1);
+
+  if (!(covSteps || thetaCov || meanSteps || meanFinals)) return;
+  DebugFile& f = trace.file();
+  if (covSteps) {
+    f.dumpMatrix("sixxk1k in Sigk1k1", 1, n, 1, n, sixxk1k);
+    f.dumpMatrix("sitxk1k in Sigk1k1", 1, np, 1, n, sitxk1k);
+    f.dumpMatrix("sittk1k in Sigk1k1", 1, np, 1, np, sittk1k);
+    f.dumpMatrix("h in Sigk1k1", 1, ny, 1, n, h);
+    f.dumpMatrix("r in Sigk1k1", 1, ny, 1, ny, r);
+    f.dumpMatrix("ht in Sigk1k1", 1, n, 1, ny, ht);
+    f.dumpMatrix("hsh in Sigk1k1", 1, ny, 1, ny, hsh);
+    f.dumpMatrix("s in Sigk1k1", 1, ny, 1, ny, s);
+    f.dumpMatrix("sinverse in Sigk1k1", 1, ny, 1, ny, sinverse);
+    f.dumpMatrix("check in Sigk1k1", 1, ny, 1, ny, check);
+    f.dumpMatrix("hsih in Sigk1k1", 1, n, 1, n, hsih);
+    f.dumpMatrix("sxxhsihsxx in Sigk1k1", 1, n, 1, n, sxxhsihsxx);
+  }
+  if (covFinals) f.dumpMatrix("sixxk1k1 in Sigk1k1", 1, n, 1, n, sixxk1k1);
+  if (covSteps) f.dumpMatrix("stxhsihsxx in Sigk1k1", 1, np, 1, n, stxhsihsxx);
+  if (covFinals) f.dumpMatrix("sitxk1k1 in Sigk1k1", 1, np, 1, n, sitxk1k1);
+  if (covSteps) {
+    f.dumpMatrix("sixtk1k in Sigk1k1", 1, n, 1, np, sixtk1k);
+    f.dumpMatrix("stxhsihsxt in Sigk1k1", 1, np, 1, np, stxhsihsxt);
+  }
+  if (thetaCov) f.dumpMatrix("sittk1k1 in Sigk1k1", 1, np, 1, np, sittk1k1);
+  if (meanSteps) {
+    dumpColumn(f, "xhk1k in Sigk1k1", n, xhk1k);
+    dumpColumn(f, "thk1k in Sigk1k1", np, thk1k);
+    dumpColumn(f, "y in Sigk1k1", ny, y);
+    dumpColumn(f, "hx in Sigk1k1", ny, hx);
+    dumpColumn(f, "yhx in Sigk1k1", ny, yhx);
+    f.dumpMatrix("sxxhs in Sigk1k1", 1, n, 1, ny, sxxhs);
+    dumpColumn(f, "sxxhsyhx in Sigk1k1", n, sxxhsyhx);
+  }
+  if (meanFinals) dumpColumn(f, "xhk1k1 in Sigk1k1", n, xhk1k1);
+  if (meanSteps) {
+    f.dumpMatrix("stxhs in Sigk1k1", 1, np, 1, ny, stxhs);
+    dumpColumn(f, "stxhsyhx in Sigk1k1", np, stxhsyhx);
+  }
+  if (meanFinals) dumpColumn(f, "thk1k1 in Sigk1k1", np, thk1k1);
+}
+
+}  // namespace ovaro

@@ -1,0 +1,43 @@
+// The augmented extended Kalman filter that each Monte Carlo method runs every period: it
+// estimates the states x and the uncertain parameters theta jointly from the noisy observation.
+// The covariance of (x, theta) is kept in three blocks: sixx (n x n), sitx (np x n), sitt
+// (np x np), with the suffixes kk (k|k), k1k (k+1|k) and k1k1 (k+1|k+1).
+//
+// Parameter derivatives: ath(j, k, i) = dA(i, j)/dtheta_k (j 1..n, k 1..np, i 1..n), bth(j, k, i)
+// = dB(i, j)/dtheta_k (j 1..m), cth(1, k, i) = dc_i/dtheta_k. Column vectors are k x 1 matrices.
+#pragma once
+
+#include "numeric/arrays.h"
+#include "solve/trace.h"
+
+namespace ovaro {
+
+// Prediction of the means: xhk1k = (A xhkk + B uk + c) + eaistx with eaistx_i =
+// trace(ath_i sitxkk), and thk1k = D thkk.
+void KStep(int n, int m, int l, int np, const Mat& a, const Mat& b, const Mat& c, const Mat& d,
+           const Mat& xhkk, const Mat& thkk, const Mat& uk, const Mat3& ath, const Mat3& bth,
+           const Mat3& cth, const Mat& sixxkk, const Mat& sitxkk, const Mat& sittkk, Mat& xhk1k,
+           Mat& thk1k, const SolveTrace& trace);
+
+// fxt (n x np): the derivative of (A x + B u + c) with respect to theta at (xhkk, uk).
+void Fxtk(int n, int m, int l, int np, const Mat3& ath, const Mat3& bth, const Mat3& cth,
+          const Mat& xhkk, const Mat& uk, Mat& fxt, const SolveTrace& trace);
+
+// Prediction of the covariances from fxt.
+void Sk1k(int n, int m, int l, int np, const Mat& a, const Mat3& ath, const Mat& d, const Mat& fxt,
+          const Mat& sixxkk, const Mat& sitxkk, const Mat& sittkk, const Mat& q, const Mat& gam,
+          Mat& sixxk1k, Mat& sitxk1k, Mat& sittk1k, const SolveTrace& trace);
+
+// Fxtk then Sk1k.
+void Sigk1k(int n, int m, int l, int np, const Mat& a, const Mat& c, const Mat& d, const Mat& xhkk,
+            const Mat& uk, const Mat3& ath, const Mat3& bth, const Mat3& cth, const Mat& sixxkk,
+            const Mat& sitxkk, const Mat& sittkk, const Mat& q, const Mat& gam, Mat& sixxk1k,
+            Mat& sitxk1k, Mat& sittk1k, const SolveTrace& trace);
+
+// The measurement update of means and covariances with the observation y (ny x 1).
+void Sigk1k1(int n, int m, int np, int ny, const Mat& y, const Mat& xhk1k, const Mat& thk1k,
+             const Mat& sixxk1k, const Mat& sitxk1k, const Mat& sittk1k, const Mat& h, const Mat& r,
+             Mat& xhk1k1, Mat& thk1k1, Mat& sixxk1k1, Mat& sitxk1k1, Mat& sittk1k1,
+             const SolveTrace& trace);
+
+}  // namespace ovaro

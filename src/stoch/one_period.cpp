@@ -1,0 +1,302 @@
+// One period of the simulated true economy.
+//
+// The true system differs from what a method believes in two ways: it runs on the true parameters
+// thetatrue (which drift as a random walk, and with the policy-to-parameter effect also respond
+// to the percentage change of the controls), and it is hit by the drawn system noise xsi; the
+// methods see it only through the noisy observation y = H x + zeta. Sums are formed in the order
+// written, so that two runs give the same bits.
+#include "stoch/one_period.h"
+
+#include <cmath>
+#include <string>
+
+#include "numeric/matrix_ops.h"
+#include "solve/system_forms.h"
+
+namespace ovaro {
+
+namespace {
+
+// Below this size a previous control is not divided by: its percentage change is taken as
+// kUkPercentSubstitute instead, and the solve is told.
+constexpr double kSmallControl = 1e-9;
+constexpr double kUkPercentSubstitute = 99999.0;
+
+int dumpColumn(DebugFile& f, const std::string& label, int rows, const Mat& v) {
+  return f.dumpMatrix(label, 1, rows, 1, 1, v);
+}
+
+// The two routines that compute a percentage change of the controls, as their warnings name them.
+struct PercentWarning {
+  const char* firstLine;  // "Warning!  In subr ... - division "
+  const char* shortTail;  // the last line of the form without a run number
+};
+
+constexpr PercentWarning kThetaTrueWarning = {
+    "Warning!  In subr CompThetaTrueOnePeriod - division ",
+    "policy-to-param.  ukpercent set to 99999.0"};
+constexpr PercentWarning kPolicyEffectWarning = {
+    "Warning!  In subr CompPolicyParmEffect - division ",
+    "policy-to-param. ukpercent set to 99999.0"};
+
+// The debug-file text of one substituted percentage: inside a Monte Carlo run it names the
+// method, the run, the period and the control; in a single solve only the routine.
+std::string percentWarningText(const PercentWarning& w, const PeriodContext& ctx, int k, int i) {
+  const std::string second = "by a very small number in ukpercent calculation for ";
+  if (ctx.run == 0) {
+    return "\r\n\r\n\r\n" + std::string(w.firstLine) + "\r\n" + second + "\r\n" + w.shortTail +
+           "\r\n\r\n";
+  }
+  return "\r\n\r\n\r\n" + std::string(w.firstLine) + "\r\n" + second + "\r\n" +
+         "policy-to-param with method " + ctx.method + "\r\n" + "in Monte Carlo run " +
+         std::to_string(ctx.run) + "\r\n" + "at time period " + std::to_string(k) + "\r\n" +
+         "for control variable " + std::to_string(i) + "\r\n" + "ukpercent set to 99999.0" + "\r\n";
+}
+
+// ukpercent_i = (uk_i - us_i(k-1)) / us_i(k-1), all 0 in period 0, which has no previous control.
+// A previous control below kSmallControl in size gives the substitute, sets the solve's flag and
+// writes the warning whenever the debug file is there. Returns 0 when that write failed.
+int percentChange(const PercentWarning& w, PeriodContext& ctx, int m, int k, const Mat& uk,
+                  const Mat& us, Mat& ukpercent, const SolveTrace& trace) {
+  for (int i = 1; i <= m; ++i) {
+    if (k == 0) {
+      ukpercent(i, 1) = 0.0;
+      continue;
+    }
+    const double previous = us(i, k - 1);
+    if (std::fabs(previous) >= kSmallControl) {
+      ukpercent(i, 1) = (uk(i, 1) - previous) / previous;
+      continue;
+    }
+    ukpercent(i, 1) = kUkPercentSubstitute;
+    ctx.divisionWarning = true;
+    if (trace.active() && trace.file().write(percentWarningText(w, ctx, k, i)) == 0) return 0;
+  }
+  return 1;
+}
+
+// plc = N ukpercent and puc = diag(plc): the proportional response of each parameter.
+void policyResponse(int np, int m, const Mat& npolicy, const Mat& ukpercent, Mat& plc, Mat& puc) {
+  mmul(np, m, 1, npolicy, ukpercent, plc);
+  mzero(np, np, puc);
+  for (int i = 1; i <= np; ++i) puc(i, i) = plc(i, 1);
+}
+
+}  // namespace
+
+// uk = G xk + g.
+void CompUOnePeriod(int n, int m, const Mat& g, const Mat& glc, const Mat& xk, Mat& uk,
+                    const PeriodContext& ctx, const SolveTrace& trace) {
+  Mat gx = mat2(1, m, 1, 1);
+  mmul(m, n, 1, g, xk, gx);
+  madd(m, 1, gx, glc, uk);
+  if (!trace.on(SolveTopic::StatesControlsIntermediate)) return;
+  DebugFile& f = trace.file();
+  const std::string in = " in CompUOnePeriod";
+  const std::string inRule = ctx.hcfr ? " in CompUOnePeriod/HCFR" : in;
+  dumpColumn(f, "xk" + in, n, xk);
+  f.dumpMatrix("g" + in, 1, m, 1, n, g);
+  dumpColumn(f, "glc" + in, m, glc);
+  dumpColumn(f, "gx" + inRule, m, gx);
+  dumpColumn(f, "uk" + inRule, m, uk);
+}
+
+// xk1 = ax + (bu + (ctrue + xsi)), y = H xk1 + zeta(k+1).
+void CompXOnePeriod(int n, int m, int nt, int ny, int k, const Mat& atrue, const Mat& btrue,
+                    const Mat& ctruetv, const Mat& h, const Mat& xsis, const Mat& zetas,
+                    const Mat& xk, const Mat& uk, Mat& xk1, Mat& y, const PeriodContext& ctx,
+                    const SolveTrace& trace) {
+  Mat ax = mat2(1, n, 1, 1), bu = mat2(1, n, 1, 1), ctrue = mat2(1, n, 1, 1);
+  Mat xsi = mat2(1, n, 1, 1), cxsi = mat2(1, n, 1, 1), bucxsi = mat2(1, n, 1, 1);
+  mmul(n, n, 1, atrue, xk, ax);
+  mmul(n, m, 1, btrue, uk, bu);
+  vcolget(n, k, ctruetv, ctrue);
+  vcolget(n, k, xsis, xsi);
+  madd(n, 1, ctrue, xsi, cxsi);
+  madd(n, 1, bu, cxsi, bucxsi);
+  madd(n, 1, ax, bucxsi, xk1);
+
+  // The observation of period k+1.
+  Mat zeta = mat2(1, ny, 1, 1), xhk1 = mat2(1, ny, 1, 1);
+  vcolget(ny, k + 1, zetas, zeta);
+  mmul(ny, n, 1, h, xk1, xhk1);
+  madd(ny, 1, xhk1, zeta, y);
+
+  if (!trace.on(SolveTopic::StatesControlsIntermediate)) return;
+  DebugFile& f = trace.file();
+  const std::string in = ctx.hcfr ? " in CompXOnePeriod/HCFR" : " in CompXOnePeriod";
+  dumpColumn(f, "ax" + in, n, ax);
+  dumpColumn(f, "bu" + in, n, bu);
+  dumpColumn(f, "ctrue" + in, n, ctrue);
+  dumpColumn(f, "xsi" + in, n, xsi);
+  dumpColumn(f, "xk1" + in, n, xk1);
+  f.dumpMatrix("h" + in, 1, ny, 1, n, h);
+  f.dumpMatrix("zetas" + in, 1, ny, 1, nt, zetas);
+  dumpColumn(f, "zeta" + in, ny, zeta);
+  dumpColumn(f, "xhk1" + in, ny, xhk1);
+  dumpColumn(f, "y" + in, ny, y);
+}
+
+// xk1 = ax + (bu + ((ctrue + dxesum) + xsi)), dxesum = D1 xe(k+1) + D2 xe(k+2) + D3 xe(k+3).
+void CompXOnePeriodForw(int n, int m, int nt, int ny, int k, const Mat& atrue, const Mat& btrue,
+                        const Mat& ctruetv, const Mat& h, const Mat& xsis, const Mat& zetas,
+                        const Mat& d1, const Mat& d2, const Mat& d3, const Mat& xe, const Mat& xk,
+                        const Mat& uk, Mat& xk1, Mat& y, const PeriodContext& ctx,
+                        const SolveTrace& trace) {
+  (void)ctx;  // the forward form has one set of labels for every method
+  Mat ax = mat2(1, n, 1, 1), bu = mat2(1, n, 1, 1), ctrue = mat2(1, n, 1, 1);
+  Mat xsi = mat2(1, n, 1, 1);
+  mmul(n, n, 1, atrue, xk, ax);
+  mmul(n, m, 1, btrue, uk, bu);
+  vcolget(n, k, ctruetv, ctrue);
+  vcolget(n, k, xsis, xsi);
+
+  Mat xek = mat2(1, n, 1, 1);
+  Mat d1xek1 = mat2(1, n, 1, 1), d2xek2 = mat2(1, n, 1, 1), d3xek3 = mat2(1, n, 1, 1);
+  vcolget(n, k + 1, xe, xek);
+  mmul(n, n, 1, d1, xek, d1xek1);
+  vcolget(n, k + 2, xe, xek);
+  mmul(n, n, 1, d2, xek, d2xek2);
+  vcolget(n, k + 3, xe, xek);
+  mmul(n, n, 1, d3, xek, d3xek3);
+  Mat dxesum = mat2(1, n, 1, 1);
+  madd3(n, 1, d1xek1, d2xek2, d3xek3, dxesum);
+
+  Mat cdxsi = mat2(1, n, 1, 1), bucdxsi = mat2(1, n, 1, 1);
+  madd3(n, 1, ctrue, dxesum, xsi, cdxsi);
+  madd(n, 1, bu, cdxsi, bucdxsi);
+  madd(n, 1, ax, bucdxsi, xk1);
+
+  Mat zeta = mat2(1, ny, 1, 1), xhk1 = mat2(1, ny, 1, 1);
+  vcolget(ny, k + 1, zetas, zeta);
+  mmul(ny, n, 1, h, xk1, xhk1);
+  madd(ny, 1, xhk1, zeta, y);
+
+  if (!trace.on(SolveTopic::StatesControlsIntermediate)) return;
+  DebugFile& f = trace.file();
+  const std::string in = " in CompXOnePeriodForw";
+  f.dumpMatrix("ctruetv" + in, 1, n, 0, nt - 1, ctruetv);
+  dumpColumn(f, "ax" + in, n, ax);
+  dumpColumn(f, "bu" + in, n, bu);
+  dumpColumn(f, "ctrue" + in, n, ctrue);
+  dumpColumn(f, "xsi" + in, n, xsi);
+  dumpColumn(f, "d2xek2" + in, n, d2xek2);
+  dumpColumn(f, "d3xek3" + in, n, d3xek3);
+  dumpColumn(f, "dxesum" + in, n, dxesum);
+  dumpColumn(f, "xk1" + in, n, xk1);
+  f.dumpMatrix("h" + in, 1, ny, 1, n, h);
+  f.dumpMatrix("zetas" + in, 1, ny, 1, nt, zetas);
+  dumpColumn(f, "zeta" + in, ny, zeta);
+  dumpColumn(f, "xhk1" + in, ny, xhk1);
+  dumpColumn(f, "y" + in, ny, y);
+}
+
+// thetatrue(:, k+1) = thetak + puc thetak + eta with the policy effect, thetak + eta without.
+// The filter's transition D is deliberately not applied: the true parameters are a random walk.
+int CompThetaTrueOnePeriod(PeriodContext& ctx, int np, int m, int nt, int k, int policyToParam,
+                           const Mat& uk, const Mat& us, const Mat& npolicy, const Mat& etas,
+                           Mat& thetatrue, const SolveTrace& trace) {
+  const bool steps = trace.on(SolveTopic::TrueParametersIntermediate);
+  const std::string in = " in CompThetaTrueOnePeriod";
+  int ok = 1;
+  if (steps) {
+    ok &= dumpColumn(trace.file(), "uk" + in, m, uk);
+    ok &= trace.file().dumpMatrix("us" + in, 1, m, 0, nt - 1, us);
+  }
+  const bool policy = policyToParam == 1;
+  Mat ukpercent = mat2(1, m, 1, 1), plc = mat2(1, np, 1, 1), puc = mat2(1, np, 1, np);
+  if (policy) {
+    if (percentChange(kThetaTrueWarning, ctx, m, k, uk, us, ukpercent, trace) == 0) return 0;
+    policyResponse(np, m, npolicy, ukpercent, plc, puc);
+  }
+
+  Mat eta = mat2(1, np, 1, 1), thetak = mat2(1, np, 1, 1), thetak1 = mat2(1, np, 1, 1);
+  Mat pucthetak = mat2(1, np, 1, 1);
+  vcolget(np, k, etas, eta);
+  vcolget(np, k, thetatrue, thetak);
+  if (policy) {
+    mmul(np, np, 1, puc, thetak, pucthetak);
+    madd3(np, 1, thetak, pucthetak, eta, thetak1);
+  } else {
+    madd(np, 1, thetak, eta, thetak1);
+  }
+  vcolset(np, k + 1, thetak1, thetatrue);
+
+  if (steps) {
+    DebugFile& f = trace.file();
+    if (policy) {
+      ok &= dumpColumn(f, "ukpercent" + in, m, ukpercent);
+      ok &= f.dumpMatrix("npolicyparm" + in, 1, np, 1, m, npolicy);
+      ok &= dumpColumn(f, "plc" + in, np, plc);
+      ok &= f.dumpMatrix("puc" + in, 1, np, 1, np, puc);
+    }
+    ok &= dumpColumn(f, "eta" + in, np, eta);
+    ok &= dumpColumn(f, "thetak" + in, np, thetak);
+    if (policy) ok &= dumpColumn(f, "pucthetak" + in, np, pucthetak);
+    ok &= dumpColumn(f, "thetak1" + in, np, thetak1);
+  }
+  if (trace.on(SolveTopic::TrueParametersFinal)) {
+    ok &= trace.file().dumpMatrix("thetatrue" + in, 1, np, 0, nt, thetatrue);
+  }
+  return ok;
+}
+
+int TrueParameterEvolution(PeriodContext& ctx, int k, int n, int m, int nt, int np,
+                           int policyToParam, const IMat& ithn, const Mat& us, const Mat& uk,
+                           const Mat& npolicy, const Mat& etas, Mat& thetatrue, Mat& atrue,
+                           Mat& btrue, Mat& ctruetv, Prompter& prompter, const SolveTrace& trace) {
+  if (CompThetaTrueOnePeriod(ctx, np, m, nt, k, policyToParam, uk, us, npolicy, etas, thetatrue,
+                             trace) == 0) {
+    return 0;
+  }
+  // The true system of the next period is built from the parameters just drawn.
+  Mat theta = mat2(1, np, 1, 1);
+  vcolget(np, k + 1, thetatrue, theta);
+  MapThetaToAbc(n, m, nt, np, ithn, theta, atrue, btrue, ctruetv, prompter, trace);
+  if (!trace.on(SolveTopic::TrueParametersFinal)) return 1;
+  DebugFile& f = trace.file();
+  int ok = 1;
+  ok &= f.dumpMatrix("atrue in TrueParameterEvolution", 1, n, 1, n, atrue);
+  ok &= f.dumpMatrix("btrue in TrueParameterEvolution", 1, n, 1, m, btrue);
+  ok &= f.dumpMatrix("ctruetv in TrueParameterEvolution", 1, n, 0, nt - 1, ctruetv);
+  return ok;
+}
+
+// thk1k1 = thk1k1 + puc thetatrue(:, k): OLIN knows how its controls move the parameters and
+// adds that effect, taken from the true parameters, to what the filter learned.
+int CompPolicyParmEffect(PeriodContext& ctx, int k, int np, int m, int nt, const Mat& uk,
+                         const Mat& us, const Mat& npolicy, const Mat& thetatrue, Mat& thk1k1,
+                         const SolveTrace& trace) {
+  Mat estimate = mat2(1, np, 1, 1);
+  mmov(np, 1, thk1k1, estimate);
+  Mat ukpercent = mat2(1, m, 1, 1), plc = mat2(1, np, 1, 1), puc = mat2(1, np, 1, np);
+  if (percentChange(kPolicyEffectWarning, ctx, m, k, uk, us, ukpercent, trace) == 0) return 0;
+  policyResponse(np, m, npolicy, ukpercent, plc, puc);
+  Mat thktrue = mat2(1, np, 1, 1), pucthetak = mat2(1, np, 1, 1);
+  vcolget(np, k, thetatrue, thktrue);
+  mmul(np, np, 1, puc, thktrue, pucthetak);
+  madd(np, 1, estimate, pucthetak, thk1k1);
+
+  const bool steps = trace.on(SolveTopic::TrueParametersIntermediate);
+  const bool finals = trace.on(SolveTopic::TrueParametersFinal);
+  if (!steps && !finals) return 1;
+  DebugFile& f = trace.file();
+  const std::string in = " in CompPolicyParmEffect";
+  int ok = 1;
+  if (steps) {
+    ok &= dumpColumn(f, "uk" + in, m, uk);
+    ok &= dumpColumn(f, "ukpercent" + in, m, ukpercent);
+    ok &= f.dumpMatrix("npolicyparm" + in, 1, np, 1, m, npolicy);
+    ok &= dumpColumn(f, "plc" + in, np, plc);
+    ok &= f.dumpMatrix("puc" + in, 1, np, 1, np, puc);
+  }
+  if (finals) ok &= f.dumpMatrix("thetatrue" + in, 1, np, 0, nt, thetatrue);
+  if (steps) {
+    ok &= dumpColumn(f, "thktrue" + in, np, thktrue);
+    ok &= dumpColumn(f, "pucthetak" + in, np, pucthetak);
+    ok &= dumpColumn(f, "thk1k1" + in, np, thk1k1);
+  }
+  return ok;
+}
+
+}  // namespace ovaro

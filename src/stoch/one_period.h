@@ -1,0 +1,60 @@
+// One period of the simulated true economy inside a Monte Carlo run: the control from the
+// current rule, the true state advanced with the true parameters and the drawn noise, the noisy
+// observation, and the true parameters' own evolution (a random walk, plus the policy-to-parameter
+// effect when the model has it).
+#pragma once
+
+#include <string>
+
+#include "numeric/arrays.h"
+#include "numeric/prompter.h"
+#include "solve/trace.h"
+
+namespace ovaro {
+
+// Where a one-period step runs, for its debug labels and warnings: inside a Monte Carlo run of a
+// method (run >= 1) or in a single solve (run 0). `hcfr` marks the HCFR runs, whose labels end in
+// "/HCFR". A division by a very small previous control sets `divisionWarning`.
+struct PeriodContext {
+  int run = 0;
+  std::string method = "QLP";
+  bool hcfr = false;
+  bool divisionWarning = false;
+};
+
+// uk = G xk + g.
+void CompUOnePeriod(int n, int m, const Mat& g, const Mat& glc, const Mat& xk, Mat& uk,
+                    const PeriodContext& ctx, const SolveTrace& trace);
+// xk1 = ax + (bu + (ctrue + xsi)), y = H xk1 + zetas(:, k+1).
+void CompXOnePeriod(int n, int m, int nt, int ny, int k, const Mat& atrue, const Mat& btrue,
+                    const Mat& ctruetv, const Mat& h, const Mat& xsis, const Mat& zetas,
+                    const Mat& xk, const Mat& uk, Mat& xk1, Mat& y, const PeriodContext& ctx,
+                    const SolveTrace& trace);
+// The same with the lead terms D1 xe(k+1) + D2 xe(k+2) + D3 xe(k+3) of the expected path xe
+// (which must hold columns k+1..k+3). Its labels are the same for every method.
+void CompXOnePeriodForw(int n, int m, int nt, int ny, int k, const Mat& atrue, const Mat& btrue,
+                        const Mat& ctruetv, const Mat& h, const Mat& xsis, const Mat& zetas,
+                        const Mat& d1, const Mat& d2, const Mat& d3, const Mat& xe, const Mat& xk,
+                        const Mat& uk, Mat& xk1, Mat& y, const PeriodContext& ctx,
+                        const SolveTrace& trace);
+
+// thetatrue(:, k+1) from thetatrue(:, k), the parameter noise and, with the policy effect
+// (`policyToParam` 1), the percentage change of the controls weighted by N (np x m); without it
+// N is not read. A previous control below 1e-9 in size gives a percentage of 99999.0, sets
+// ctx.divisionWarning and, whenever the debug file is there, writes the warning to it. Returns 0
+// when a debug write failed (a failed warning stops the routine before thetatrue is written).
+int CompThetaTrueOnePeriod(PeriodContext& ctx, int np, int m, int nt, int k, int policyToParam,
+                           const Mat& uk, const Mat& us, const Mat& npolicy, const Mat& etas,
+                           Mat& thetatrue, const SolveTrace& trace);
+// CompThetaTrueOnePeriod, then atrue, btrue, ctruetv built from thetatrue(:, k+1) by
+// MapThetaToAbc with ITHN (np x 3).
+int TrueParameterEvolution(PeriodContext& ctx, int k, int n, int m, int nt, int np,
+                           int policyToParam, const IMat& ithn, const Mat& us, const Mat& uk,
+                           const Mat& npolicy, const Mat& etas, Mat& thetatrue, Mat& atrue,
+                           Mat& btrue, Mat& ctruetv, Prompter& prompter, const SolveTrace& trace);
+// OLIN: thk1k1 = thk1k1 + puc thetatrue(:, k), the known policy effect added to the estimate.
+int CompPolicyParmEffect(PeriodContext& ctx, int k, int np, int m, int nt, const Mat& uk,
+                         const Mat& us, const Mat& npolicy, const Mat& thetatrue, Mat& thk1k1,
+                         const SolveTrace& trace);
+
+}  // namespace ovaro

@@ -1,0 +1,497 @@
+// The augmented filter against answers computed here independently: the textbook Kalman filter
+// when the parameters are known, an exact observation, and the linearised filter on the stacked
+// vector z = (x, theta) with the Gaussian fourth-moment term written out element by element.
+#include "stoch/kalman.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <bitset>
+#include <cmath>
+#include <cstdio>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "io/debug_file.h"
+#include "support/temp_dir.h"
+
+namespace ovaro {
+namespace {
+
+// Plain dense matrices for the reference computations, 0-based.
+using Dense = std::vector<std::vector<double>>;
+
+Dense zeros(int r, int c) {
+  return Dense(r, std::vector<double>(c, 0.0));
+}
+
+Dense mul(const Dense& a, const Dense& b) {
+  Dense c = zeros(static_cast<int>(a.size()), static_cast<int>(b[0].size()));
+  for (std::size_t i = 0; i < a.size(); ++i)
+    for (std::size_t j = 0; j < b[0].size(); ++j)
+      for (std::size_t k = 0; k < b.size(); ++k) c[i][j] += a[i][k] * b[k][j];
+  return c;
+}
+
+Dense trans(const Dense& a) {
+  Dense t = zeros(static_cast<int>(a[0].size()), static_cast<int>(a.size()));
+  for (std::size_t i = 0; i < a.size(); ++i)
+    for (std::size_t j = 0; j < a[0].size(); ++j) t[j][i] = a[i][j];
+  return t;
+}
+
+Dense plus(const Dense& a, const Dense& b, double sign = 1.0) {
+  Dense c = a;
+  for (std::size_t i = 0; i < a.size(); ++i)
+    for (std::size_t j = 0; j < a[0].size(); ++j) c[i][j] += sign * b[i][j];
+  return c;
+}
+
+// Gauss-Jordan with partial pivoting.
+Dense inverse(Dense a) {
+  const std::size_t n = a.size();
+  Dense inv = zeros(static_cast<int>(n), static_cast<int>(n));
+  for (std::size_t i = 0; i < n; ++i) inv[i][i] = 1.0;
+  for (std::size_t col = 0; col < n; ++col) {
+    std::size_t p = col;
+    for (std::size_t r = col + 1; r < n; ++r)
+      if (std::fabs(a[r][col]) > std::fabs(a[p][col])) p = r;
+    std::swap(a[p], a[col]);
+    std::swap(inv[p], inv[col]);
+    const double piv = a[col][col];
+    for (std::size_t j = 0; j < n; ++j) a[col][j] /= piv, inv[col][j] /= piv;
+    for (std::size_t r = 0; r < n; ++r) {
+      if (r == col) continue;
+      const double f = a[r][col];
+      for (std::size_t j = 0; j < n; ++j) a[r][j] -= f * a[col][j], inv[r][j] -= f * inv[col][j];
+    }
+  }
+  return inv;
+}
+
+// Between the two representations: Mat rows/columns 1.. hold Dense [0..].
+Mat toMat(const Dense& d) {
+  const int r = static_cast<int>(d.size()), c = d.empty() ? 0 : static_cast<int>(d[0].size());
+  Mat m = mat2(1, r, 1, c);
+  for (int i = 1; i <= r; ++i)
+    for (int j = 1; j <= c; ++j) m(i, j) = d[i - 1][j - 1];
+  return m;
+}
+
+Dense block(const Dense& d, int r0, int rows, int c0, int cols) {
+  Dense b = zeros(rows, cols);
+  for (int i = 0; i < rows; ++i)
+    for (int j = 0; j < cols; ++j) b[i][j] = d[r0 + i][c0 + j];
+  return b;
+}
+
+void expectNear(const Mat& got, const Dense& want, double tol, const char* what) {
+  for (std::size_t i = 0; i < want.size(); ++i)
+    for (std::size_t j = 0; j < want[0].size(); ++j) {
+      const int r = static_cast<int>(i) + 1, c = static_cast<int>(j) + 1;
+      EXPECT_NEAR(got(r, c), want[i][j], tol) << what << "(" << r << "," << c << ")";
+    }
+}
+
+// The model of one period, its parameter derivatives, the estimates at (k|k) and the observation.
+struct Period {
+  int n = 0, m = 0, l = 1, np = 0, ny = 0;
+  Dense a, b, c, d, q, gam, h, r, xhkk, thkk, uk, y;
+  Dense sixx, sitx, sitt;  // sitx: np x n
+  // Where each parameter sits: kind 0 A, 1 B, 2 c, with row and column.
+  std::vector<std::array<int, 3>> place;
+};
+
+// A, B, c with theta written into the elements the parameters occupy.
+void placeTheta(const Period& p, const Dense& theta, Dense& a, Dense& b, Dense& c) {
+  a = p.a, b = p.b, c = p.c;
+  for (int k = 0; k < p.np; ++k) {
+    const auto [kind, i, j] = p.place[k];
+    Dense& target = kind == 0 ? a : kind == 1 ? b : c;
+    target[i][j] = theta[k][0];
+  }
+}
+
+// ath, bth, cth from the placements: a one where a parameter sits.
+void derivatives(const Period& p, Mat3& ath, Mat3& bth, Mat3& cth) {
+  ath = mat3(1, p.n, 1, p.np, 1, p.n);
+  bth = mat3(1, p.m, 1, p.np, 1, p.n);
+  cth = mat3(1, std::max(p.l, 1), 1, p.np, 1, p.n);
+  for (int k = 0; k < p.np; ++k) {
+    const auto [kind, i, j] = p.place[k];
+    if (kind == 0) ath(j + 1, k + 1, i + 1) = 1.0;
+    if (kind == 1) bth(j + 1, k + 1, i + 1) = 1.0;
+    if (kind == 2) cth(1, k + 1, i + 1) = 1.0;
+  }
+}
+
+struct FilterOut {
+  Mat xhk1k, thk1k, sixxk1k, sitxk1k, sittk1k;
+  Mat xhk1k1, thk1k1, sixxk1k1, sitxk1k1, sittk1k1;
+};
+
+// One period of the filter as the Monte Carlo runs call it: KStep, Sigk1k, Sigk1k1.
+FilterOut runFilter(const Period& p, const SolveTrace& trace = SolveTrace()) {
+  const int n = p.n, np = p.np, ny = p.ny;
+  Mat3 ath, bth, cth;
+  derivatives(p, ath, bth, cth);
+  FilterOut o;
+  o.xhk1k = mat2(1, n, 1, 1), o.thk1k = mat2(1, np, 1, 1);
+  o.sixxk1k = mat2(1, n, 1, n), o.sitxk1k = mat2(1, np, 1, n), o.sittk1k = mat2(1, np, 1, np);
+  o.xhk1k1 = mat2(1, n, 1, 1), o.thk1k1 = mat2(1, np, 1, 1);
+  o.sixxk1k1 = mat2(1, n, 1, n), o.sitxk1k1 = mat2(1, np, 1, n), o.sittk1k1 = mat2(1, np, 1, np);
+  const Mat a = toMat(p.a), b = toMat(p.b), c = toMat(p.c), d = toMat(p.d);
+  const Mat xhkk = toMat(p.xhkk), uk = toMat(p.uk);
+  const Mat thkk = np > 0 ? toMat(p.thkk) : mat2(1, 0, 1, 1);
+  const Mat sixx = toMat(p.sixx);
+  const Mat sitx = np > 0 ? toMat(p.sitx) : mat2(1, 0, 1, n);
+  const Mat sitt = np > 0 ? toMat(p.sitt) : mat2(1, 0, 1, 0);
+  const Mat gam = np > 0 ? toMat(p.gam) : mat2(1, 0, 1, 0);
+  const Mat dd = np > 0 ? d : mat2(1, 0, 1, 0);
+  KStep(n, p.m, p.l, np, a, b, c, dd, xhkk, thkk, uk, ath, bth, cth, sixx, sitx, sitt, o.xhk1k,
+        o.thk1k, trace);
+  Sigk1k(n, p.m, p.l, np, a, c, dd, xhkk, uk, ath, bth, cth, sixx, sitx, sitt, toMat(p.q), gam,
+         o.sixxk1k, o.sitxk1k, o.sittk1k, trace);
+  Sigk1k1(n, p.m, np, ny, toMat(p.y), o.xhk1k, o.thk1k, o.sixxk1k, o.sitxk1k, o.sittk1k, toMat(p.h),
+          toMat(p.r), o.xhk1k1, o.thk1k1, o.sixxk1k1, o.sitxk1k1, o.sittk1k1, trace);
+  return o;
+}
+
+// Two states, one control, one observation; parameter 1 sits in A(1, 2) and, when np = 2,
+// parameter 2 in B(2, 1).
+Period smallPeriod(int np) {
+  Period p;
+  p.n = 2, p.m = 1, p.np = np, p.ny = 1;
+  p.a = {{0.9, 0.2}, {-0.1, 0.7}};
+  p.b = {{0.5}, {1.0}};
+  p.c = {{0.3}, {-0.2}};
+  p.xhkk = {{1.0}, {-0.5}};
+  p.uk = {{0.4}};
+  p.sixx = {{0.5, 0.1}, {0.1, 0.3}};
+  p.q = {{0.04, 0.01}, {0.01, 0.09}};
+  p.h = {{1.0, 0.5}};
+  p.r = {{0.1}};
+  p.y = {{0.8}};
+  p.place = {{0, 0, 1}, {1, 1, 0}};
+  p.place.resize(np);
+  p.thkk = {{0.2}, {1.0}};
+  p.thkk.resize(np);
+  p.d = {{0.95, 0.0}, {0.0, 1.0}};
+  p.gam = {{0.02, 0.0}, {0.0, 0.03}};
+  p.d = block(p.d, 0, np, 0, np);
+  p.gam = block(p.gam, 0, np, 0, np);
+  p.sitx = zeros(np, 2);
+  p.sitt = zeros(np, np);
+  return p;
+}
+
+TEST(KalmanFilter, KnownParametersGiveTheTextbookFilter) {
+  for (int np : {0, 1, 2}) {
+    SCOPED_TRACE("np = " + std::to_string(np));
+    const Period p = smallPeriod(np);
+    const FilterOut o = runFilter(p);
+
+    // x- = A x + B u + c, P- = A P A' + Q; K = P- H' / (H P- H' + R); x+ = x- + K (y - H x-),
+    // P+ = P- - K H P-.
+    Dense xp = zeros(2, 1), pp = p.q;
+    for (int i = 0; i < 2; ++i) {
+      xp[i][0] =
+          p.a[i][0] * p.xhkk[0][0] + p.a[i][1] * p.xhkk[1][0] + p.b[i][0] * p.uk[0][0] + p.c[i][0];
+      for (int j = 0; j < 2; ++j)
+        for (int s = 0; s < 2; ++s)
+          for (int t = 0; t < 2; ++t) pp[i][j] += p.a[i][s] * p.sixx[s][t] * p.a[j][t];
+    }
+    const double ph0 = pp[0][0] * p.h[0][0] + pp[0][1] * p.h[0][1];
+    const double ph1 = pp[1][0] * p.h[0][0] + pp[1][1] * p.h[0][1];
+    const double innov = p.h[0][0] * ph0 + p.h[0][1] * ph1 + p.r[0][0];
+    const double gain[2] = {ph0 / innov, ph1 / innov};
+    const double resid = p.y[0][0] - (p.h[0][0] * xp[0][0] + p.h[0][1] * xp[1][0]);
+    Dense xu = {{xp[0][0] + gain[0] * resid}, {xp[1][0] + gain[1] * resid}};
+    Dense pu = zeros(2, 2);
+    const double ph[2] = {ph0, ph1};
+    for (int i = 0; i < 2; ++i)
+      for (int j = 0; j < 2; ++j) pu[i][j] = pp[i][j] - gain[i] * ph[j];
+
+    expectNear(o.xhk1k, xp, 1e-14, "xhk1k");
+    expectNear(o.sixxk1k, pp, 1e-14, "sixxk1k");
+    expectNear(o.xhk1k1, xu, 1e-14, "xhk1k1");
+    expectNear(o.sixxk1k1, pu, 1e-14, "sixxk1k1");
+    // Nothing is learned about parameters uncorrelated with the states.
+    for (int k = 1; k <= np; ++k) {
+      const double dth = p.d[k - 1][k - 1] * p.thkk[k - 1][0];
+      EXPECT_EQ(o.thk1k(k, 1), dth);
+      EXPECT_EQ(o.thk1k1(k, 1), dth);
+      for (int j = 1; j <= 2; ++j) {
+        EXPECT_EQ(o.sitxk1k(k, j), 0.0);
+        EXPECT_EQ(o.sitxk1k1(k, j), 0.0);
+      }
+      for (int j = 1; j <= np; ++j) {
+        EXPECT_EQ(o.sittk1k(k, j), p.gam[k - 1][j - 1]);
+        EXPECT_EQ(o.sittk1k1(k, j), p.gam[k - 1][j - 1]);
+      }
+    }
+  }
+}
+
+TEST(KalmanFilter, ExactObservationOfEveryStateReturnsTheObservation) {
+  const int n = 2, m = 1, np = 1, ny = 2;
+  Mat y = mat2(1, ny, 1, 1), xhk1k = mat2(1, n, 1, 1), thk1k = mat2(1, np, 1, 1);
+  y(1, 1) = 1.25, y(2, 1) = -0.75;
+  xhk1k(1, 1) = 1.0, xhk1k(2, 1) = -0.5;
+  thk1k(1, 1) = 0.3;
+  const Dense sxx = {{0.5, 0.1}, {0.1, 0.3}}, stx = {{0.05, -0.02}}, stt = {{0.04}};
+  Mat h = mat2(1, ny, 1, n), r = mat2(1, ny, 1, ny);
+  h(1, 1) = h(2, 2) = 1.0;
+  Mat xhk1k1 = mat2(1, n, 1, 1), thk1k1 = mat2(1, np, 1, 1);
+  Mat sixxk1k1 = mat2(1, n, 1, n), sitxk1k1 = mat2(1, np, 1, n), sittk1k1 = mat2(1, np, 1, np);
+  Sigk1k1(n, m, np, ny, y, xhk1k, thk1k, toMat(sxx), toMat(stx), toMat(stt), h, r, xhk1k1, thk1k1,
+          sixxk1k1, sitxk1k1, sittk1k1, SolveTrace());
+  expectNear(xhk1k1, {{1.25}, {-0.75}}, 1e-14, "xhk1k1");
+  expectNear(sixxk1k1, zeros(2, 2), 1e-14, "sixxk1k1");
+  expectNear(sitxk1k1, zeros(1, 2), 1e-14, "sitxk1k1");
+  // The parameter moves by its regression on the state surprise: sitx sixx^-1 (y - x).
+  const Dense coef = mul(stx, inverse(sxx));
+  const Dense surprise = {{0.25}, {-0.25}};
+  expectNear(thk1k1, plus({{0.3}}, mul(coef, surprise)), 1e-14, "thk1k1");
+  expectNear(sittk1k1, plus(stt, mul(coef, trans(stx)), -1.0), 1e-14, "sittk1k1");
+}
+
+// Two states, one control, two observations and four uncertain parameters: A(1, 2), B(2, 1),
+// c(1) and A(2, 1), with every covariance block full.
+Period augmentedPeriod() {
+  Period p;
+  p.n = 2, p.m = 1, p.np = 4, p.ny = 2;
+  p.place = {{0, 0, 1}, {1, 1, 0}, {2, 0, 0}, {0, 1, 0}};
+  p.thkk = {{0.2}, {1.0}, {0.3}, {-0.1}};
+  p.a = {{0.9, 0.0}, {0.0, 0.7}};
+  p.b = {{0.5}, {0.0}};
+  p.c = {{0.0}, {-0.2}};
+  placeTheta(p, p.thkk, p.a, p.b, p.c);
+  p.d = {{0.9, 0.05, 0.0, 0.0}, {0.0, 1.0, 0.0, 0.0}, {0.0, 0.0, 0.95, 0.0}, {0.02, 0.0, 0.0, 1.0}};
+  p.gam = {
+      {0.01, 0.0, 0.0, 0.0}, {0.0, 0.02, 0.0, 0.0}, {0.0, 0.0, 0.015, 0.0}, {0.0, 0.0, 0.0, 0.005}};
+  p.q = {{0.04, 0.01}, {0.01, 0.09}};
+  p.h = {{1.0, 0.5}, {0.0, 1.0}};
+  p.r = {{0.1, 0.02}, {0.02, 0.2}};
+  p.xhkk = {{1.0}, {-0.5}};
+  p.uk = {{0.4}};
+  p.y = {{0.9}, {-0.3}};
+  // P = L L' over z = (x1, x2, theta1..theta4).
+  Dense low = zeros(6, 6);
+  for (int i = 0; i < 6; ++i)
+    for (int j = 0; j <= i; ++j)
+      low[i][j] = i == j ? 0.5 + 0.1 * i : 0.07 * (i + 1) - 0.05 * (j + 1);
+  const Dense pz = mul(low, trans(low));
+  p.sixx = block(pz, 0, 2, 0, 2);
+  p.sitx = block(pz, 2, 4, 0, 2);
+  p.sitt = block(pz, 2, 4, 2, 4);
+  return p;
+}
+
+// E[(dA_i dx)(dA_j dx)] - E[dA_i dx] E[dA_j dx] for jointly normal deviations, by Isserlis:
+// sum over a, k, b, k' of ath_i(a,k) ath_j(b,k') (Cov(th_k, x_b) Cov(th_k', x_a) +
+// Cov(th_k, th_k') Cov(x_a, x_b)). With thetaThetaOnly, the second product alone.
+double secondOrder(const Period& p, const Mat3& ath, int i, int j, bool thetaThetaOnly = false) {
+  double sum = 0.0;
+  for (int a = 1; a <= p.n; ++a)
+    for (int b = 1; b <= p.n; ++b)
+      for (int k = 1; k <= p.np; ++k)
+        for (int k2 = 1; k2 <= p.np; ++k2) {
+          const double w = ath(a, k, i) * ath(b, k2, j);
+          if (w == 0.0) continue;
+          const double cross = p.sitx[k - 1][b - 1] * p.sitx[k2 - 1][a - 1];
+          const double tt = p.sitt[k - 1][k2 - 1] * p.sixx[a - 1][b - 1];
+          sum += w * (thetaThetaOnly ? tt : cross + tt);
+        }
+  return sum;
+}
+
+TEST(KalmanFilter, UncertainParametersFollowTheLinearisedAugmentedFilter) {
+  const Period p = augmentedPeriod();
+  const int n = p.n, np = p.np, nz = n + np;
+  Mat3 ath, bth, cth;
+  derivatives(p, ath, bth, cth);
+  const FilterOut o = runFilter(p);
+
+  // Means: E[A x] adds, element by element, the covariance of each uncertain A(i, j) with x_j.
+  Dense ahat, bhat, chat;
+  placeTheta(p, p.thkk, ahat, bhat, chat);
+  Dense xp = plus(plus(mul(ahat, p.xhkk), mul(bhat, p.uk)), chat);
+  for (int k = 0; k < np; ++k) {
+    const auto [kind, i, j] = p.place[k];
+    if (kind == 0) xp[i][0] += p.sitx[k][j];
+  }
+  const Dense thp = mul(p.d, p.thkk);
+  expectNear(o.xhk1k, xp, 1e-14, "xhk1k");
+  expectNear(o.thk1k, thp, 1e-14, "thk1k");
+
+  // fxt by central differences of A(theta) x + B(theta) u + c(theta).
+  Dense fxt = zeros(n, np);
+  const double step = 1e-3;
+  for (int k = 0; k < np; ++k) {
+    Dense up = p.thkk, down = p.thkk;
+    up[k][0] += step;
+    down[k][0] -= step;
+    Dense a1, b1, c1, a2, b2, c2;
+    placeTheta(p, up, a1, b1, c1);
+    placeTheta(p, down, a2, b2, c2);
+    const Dense f1 = plus(plus(mul(a1, p.xhkk), mul(b1, p.uk)), c1);
+    const Dense f2 = plus(plus(mul(a2, p.xhkk), mul(b2, p.uk)), c2);
+    for (int i = 0; i < n; ++i) fxt[i][k] = (f1[i][0] - f2[i][0]) / (2 * step);
+  }
+
+  // P- = F P F' + diag(Q, GAM) + the second-order term in the state block, F = [[A, fxt], [0, D]].
+  Dense pz = zeros(nz, nz), fz = zeros(nz, nz), noise = zeros(nz, nz);
+  for (int i = 0; i < nz; ++i)
+    for (int j = 0; j < nz; ++j) {
+      if (i < n && j < n) pz[i][j] = p.sixx[i][j], fz[i][j] = ahat[i][j], noise[i][j] = p.q[i][j];
+      if (i >= n && j < n) pz[i][j] = p.sitx[i - n][j], pz[j][i] = p.sitx[i - n][j];
+      if (i >= n && j >= n)
+        pz[i][j] = p.sitt[i - n][j - n], fz[i][j] = p.d[i - n][j - n],
+        noise[i][j] = p.gam[i - n][j - n];
+      if (i < n && j >= n) fz[i][j] = fxt[i][j - n];
+    }
+  Dense pp = plus(mul(mul(fz, pz), trans(fz)), noise);
+  for (int i = 1; i <= n; ++i)
+    for (int j = 1; j <= n; ++j) pp[i - 1][j - 1] += secondOrder(p, ath, i, j);
+  // The case must exercise the term, off the diagonal too.
+  ASSERT_GT(std::fabs(secondOrder(p, ath, 1, 2)), 1e-4);
+  expectNear(o.sixxk1k, block(pp, 0, n, 0, n), 1e-12, "sixxk1k");
+  expectNear(o.sitxk1k, block(pp, n, np, 0, n), 1e-12, "sitxk1k");
+  expectNear(o.sittk1k, block(pp, n, np, n, np), 1e-12, "sittk1k");
+
+  // Update with Hz = [H 0]: K = P- Hz' (Hz P- Hz' + R)^-1, z+ = z- + K (y - Hz z-), P+ = P- - K Hz
+  // P-.
+  Dense hz = zeros(p.ny, nz);
+  for (int i = 0; i < p.ny; ++i)
+    for (int j = 0; j < n; ++j) hz[i][j] = p.h[i][j];
+  const Dense gain = mul(mul(pp, trans(hz)), inverse(plus(mul(mul(hz, pp), trans(hz)), p.r)));
+  Dense zp = zeros(nz, 1);
+  for (int i = 0; i < n; ++i) zp[i][0] = xp[i][0];
+  for (int k = 0; k < np; ++k) zp[n + k][0] = thp[k][0];
+  const Dense zu = plus(zp, mul(gain, plus(p.y, mul(hz, zp), -1.0)));
+  const Dense pu = plus(pp, mul(mul(gain, hz), pp), -1.0);
+  expectNear(o.xhk1k1, block(zu, 0, n, 0, 1), 1e-12, "xhk1k1");
+  expectNear(o.thk1k1, block(zu, n, np, 0, 1), 1e-12, "thk1k1");
+  expectNear(o.sixxk1k1, block(pu, 0, n, 0, n), 1e-12, "sixxk1k1");
+  expectNear(o.sitxk1k1, block(pu, n, np, 0, n), 1e-12, "sitxk1k1");
+  expectNear(o.sittk1k1, block(pu, n, np, n, np), 1e-12, "sittk1k1");
+}
+
+TEST(KalmanFilter, FxtkIsTheJacobianOfTheSystemInTheParameters) {
+  const Period p = augmentedPeriod();
+  Mat3 ath, bth, cth;
+  derivatives(p, ath, bth, cth);
+  Mat fxt = mat2(1, p.n, 1, p.np);
+  Fxtk(p.n, p.m, p.l, p.np, ath, bth, cth, toMat(p.xhkk), toMat(p.uk), fxt, SolveTrace());
+  // theta1 multiplies x2 in equation 1, theta2 multiplies u in equation 2, theta3 is c(1),
+  // theta4 multiplies x1 in equation 2.
+  expectNear(fxt, {{-0.5, 0.0, 1.0, 0.0}, {0.0, 0.4, 0.0, 1.0}}, 0.0, "fxt");
+}
+
+// The labels of a debug file in order, consecutive repeats (blocks of one dump) counted once.
+std::vector<std::string> labels(const std::string& content) {
+  std::vector<std::string> out;
+  std::istringstream in(content);
+  std::string line;
+  while (std::getline(in, line)) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    if (line.empty() || line.rfind("   ", 0) == 0) continue;
+    const std::size_t cut = line.find("  ", 1);
+    if (cut != std::string::npos) line.erase(cut);
+    const std::size_t b = line.find_first_not_of(' ');
+    const std::size_t e = line.find_last_not_of(' ');
+    std::string label = line.substr(b, e - b + 1);
+    if (out.empty() || out.back() != label || label == "tr4b =") out.push_back(label);
+  }
+  return out;
+}
+
+std::string tracedFilter(const Period& p, std::initializer_list<SolveTopic> topics) {
+  testing::TempDir dir;
+  const std::string path = dir.file("kalman.dbg");
+  {
+    DebugFile file;
+    EXPECT_TRUE(file.open(path));
+    std::bitset<kSolveTopicCount> on;
+    for (SolveTopic t : topics) on.set(static_cast<std::size_t>(t));
+    runFilter(p, SolveTrace(&file, on));
+  }
+  return testing::slurp(path);
+}
+
+using Labels = std::vector<std::string>;
+
+TEST(KalmanFilterTrace, EachTopicWritesItsOwnDumps) {
+  const Period p = augmentedPeriod();
+  EXPECT_EQ(tracedFilter(p, {}), "");
+  EXPECT_EQ(labels(tracedFilter(p, {SolveTopic::ProjectionMeansFinal})),
+            (Labels{"xhk1k in KStep", "thk1k in KStep"}));
+  EXPECT_EQ(labels(tracedFilter(p, {SolveTopic::ProjectionCovariancesFinal})),
+            (Labels{"sixxk1k in Sk1k", "sitxk1k in Sk1k", "sittk1k in Sk1k"}));
+  EXPECT_EQ(labels(tracedFilter(p, {SolveTopic::FilterCovariancesFinal})),
+            (Labels{"sixxk1k1 in Sigk1k1", "sitxk1k1 in Sigk1k1", "sittk1k1 in Sigk1k1"}));
+  EXPECT_EQ(labels(tracedFilter(p, {SolveTopic::ThetaCovariance})),
+            (Labels{"sittk1k1 in Sigk1k1"}));
+  EXPECT_EQ(
+      labels(tracedFilter(p, {SolveTopic::FilterCovariancesFinal, SolveTopic::ThetaCovariance})),
+      (Labels{"sixxk1k1 in Sigk1k1", "sitxk1k1 in Sigk1k1", "sittk1k1 in Sigk1k1"}));
+  EXPECT_EQ(labels(tracedFilter(p, {SolveTopic::FilterMeansFinal})),
+            (Labels{"xhk1k1 in Sigk1k1", "thk1k1 in Sigk1k1"}));
+  EXPECT_EQ(labels(tracedFilter(p, {SolveTopic::ProjectionMeansIntermediate})),
+            (Labels{"c in KStep", "d in KStep", "xhkk in KStep", "uk in KStep", "sixxkk in KStep",
+                    "sitxkk in KStep", "sittkk in KStep", "axbuc in KStep", "ath in KStep",
+                    "bth in KStep", "cth in KStep", "eaistx in KStep"}));
+  EXPECT_EQ(labels(tracedFilter(p, {SolveTopic::FilterMeansIntermediate})),
+            (Labels{"xhk1k in Sigk1k1", "thk1k in Sigk1k1", "y in Sigk1k1", "hx in Sigk1k1",
+                    "yhx in Sigk1k1", "sxxhs in Sigk1k1", "sxxhsyhx in Sigk1k1", "stxhs in Sigk1k1",
+                    "stxhsyhx in Sigk1k1"}));
+  EXPECT_EQ(
+      labels(tracedFilter(p, {SolveTopic::FilterCovariancesIntermediate})),
+      (Labels{"sixxk1k in Sigk1k1", "sitxk1k in Sigk1k1", "sittk1k in Sigk1k1", "h in Sigk1k1",
+              "r in Sigk1k1", "ht in Sigk1k1", "hsh in Sigk1k1", "s in Sigk1k1",
+              "sinverse in Sigk1k1", "check in Sigk1k1", "hsih in Sigk1k1", "sxxhsihsxx in Sigk1k1",
+              "stxhsihsxx in Sigk1k1", "sixtk1k in Sigk1k1", "stxhsihsxt in Sigk1k1"}));
+}
+
+TEST(KalmanFilterTrace, CovariancePredictionShowsEveryStepAndEachTr4b) {
+  const Period p = augmentedPeriod();
+  const std::string content = tracedFilter(p, {SolveTopic::ProjectionCovariancesIntermediate});
+  Labels expected = {"c in Sigk1k",      "xhkk in Sigk1k",   "uk in Sigk1k", "sixxkk in Sigk1k",
+                     "sitxkk in Sigk1k", "sittkk in Sigk1k", "ath in Fxtk",  "bth in Fxtk",
+                     "cth in Fxtk",      "xhkk in Fxtk",     "uk in Fxtk"};
+  for (int i = 0; i < p.n; ++i) {
+    for (const char* s : {"xa in Fxtk", "ub in Fxtk", "ubc in Fxtk", "fxti in Fxtk"})
+      expected.push_back(s);
+  }
+  for (const char* s : {"fxt in Fxtk", "sixxkk in Sk1k", "sitxkk in Sk1k", "sittkk in Sk1k"})
+    expected.push_back(s);
+  for (int i = 0; i < p.n; ++i) {
+    expected.push_back("athi in Sk1k");
+    for (int j = 0; j < p.n; ++j) {
+      expected.push_back("athjt in Sk1k");
+      expected.push_back("tr4b =");
+    }
+  }
+  for (const char* s : {"tr4as in Sk1k", "tr4bs in Sk1k", "eiej4 in Sk1k", "a in Sk1k",
+                        "at in Sk1k", "asxxa in Sk1k", "fxtt in Sk1k", "sixtkk in Sk1k",
+                        "asf in Sk1k", "asft in Sk1k", "fsf in Sk1k", "a4 in Sk1k", "dsa in Sk1k",
+                        "dsf in Sk1k", "dt in Sk1k", "dsd in Sk1k", "gam in Sk1k"})
+    expected.push_back(s);
+  EXPECT_EQ(labels(content), expected);
+
+  // Each tr4b remark carries trace(ath_i sitt ath_j' sixx), here checked for (1, 2).
+  Mat3 ath, bth, cth;
+  derivatives(p, ath, bth, cth);
+  char want[64];
+  std::snprintf(want, sizeof want, "\r\n tr4b = %10.4f", secondOrder(p, ath, 1, 2, true));
+  std::size_t at = 0;
+  for (int r = 0; r < 2; ++r) at = content.find("\r\n tr4b = ", at) + 1;
+  EXPECT_EQ(content.substr(at - 1, std::string(want).size()), want);
+  ASSERT_NE(secondOrder(p, ath, 1, 2, true), 0.0);
+}
+
+}  // namespace
+}  // namespace ovaro

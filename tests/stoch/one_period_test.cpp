@@ -1,0 +1,434 @@
+// One period of the true economy: values worked out by hand, the order of the sums, the
+// policy-to-parameter percentages with their substitute and warnings, and the debug labels.
+#include "stoch/one_period.h"
+
+#include <gtest/gtest.h>
+
+#include <bitset>
+#include <cmath>
+#include <limits>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "io/debug_file.h"
+#include "solve/system_forms.h"
+#include "support/temp_dir.h"
+
+namespace ovaro {
+namespace {
+
+Mat column(std::initializer_list<double> v) {
+  Mat c = mat2(1, static_cast<int>(v.size()), 1, 1);
+  int i = 1;
+  for (double x : v) c(i++, 1) = x;
+  return c;
+}
+
+Mat rows(int r, int c, std::initializer_list<double> v) {
+  Mat a = mat2(1, r, 1, c);
+  auto it = v.begin();
+  for (int i = 1; i <= r; ++i)
+    for (int j = 1; j <= c; ++j) a(i, j) = *it++;
+  return a;
+}
+
+std::bitset<kSolveTopicCount> topics(std::initializer_list<SolveTopic> list) {
+  std::bitset<kSolveTopicCount> on;
+  for (SolveTopic t : list) on.set(static_cast<std::size_t>(t));
+  return on;
+}
+
+// The labels of a debug file in order, consecutive repeats counted once.
+std::vector<std::string> labels(const std::string& content) {
+  std::vector<std::string> out;
+  std::istringstream in(content);
+  std::string line;
+  while (std::getline(in, line)) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    if (line.empty() || line.rfind("   ", 0) == 0) continue;
+    const std::size_t b = line.find_first_not_of(' ');
+    const std::size_t e = line.find_last_not_of(' ');
+    std::string label = line.substr(b, e - b + 1);
+    if (out.empty() || out.back() != label) out.push_back(label);
+  }
+  return out;
+}
+
+// Runs `body` with a debug file whose topics are `on`, and returns what it wrote.
+template <typename Body>
+std::string traced(std::bitset<kSolveTopicCount> on, Body body) {
+  testing::TempDir dir;
+  const std::string path = dir.file("period.dbg");
+  {
+    DebugFile file;
+    EXPECT_TRUE(file.open(path));
+    body(SolveTrace(&file, on));
+  }
+  return testing::slurp(path);
+}
+
+using Labels = std::vector<std::string>;
+
+TEST(CompUOnePeriod, AppliesTheFeedbackRuleAndLabelsTheHcfrRuns) {
+  const Mat g = rows(2, 2, {0.5, -1.0, 2.0, 0.25});
+  const Mat glc = column({0.1, -0.3});
+  const Mat xk = column({2.0, 4.0});
+  Mat uk = mat2(1, 2, 1, 1);
+  PeriodContext ctx;
+  CompUOnePeriod(2, 2, g, glc, xk, uk, ctx, SolveTrace());
+  EXPECT_EQ(uk(1, 1), 1.0 - 4.0 + 0.1);
+  EXPECT_EQ(uk(2, 1), 4.0 + 1.0 - 0.3);
+
+  ctx.hcfr = true;
+  const std::string content =
+      traced(topics({SolveTopic::StatesControlsIntermediate}),
+             [&](const SolveTrace& t) { CompUOnePeriod(2, 2, g, glc, xk, uk, ctx, t); });
+  EXPECT_EQ(labels(content),
+            (Labels{"xk in CompUOnePeriod", "g in CompUOnePeriod", "glc in CompUOnePeriod",
+                    "gx in CompUOnePeriod/HCFR", "uk in CompUOnePeriod/HCFR"}));
+}
+
+struct TrueSystem {
+  int n = 2, m = 1, nt = 3, ny = 1;
+  Mat atrue = rows(2, 2, {0.5, 0.25, -1.0, 2.0});
+  Mat btrue = rows(2, 1, {1.0, -2.0});
+  Mat ctruetv = mat2(1, 2, 0, 2);
+  Mat h = rows(1, 2, {1.0, 3.0});
+  Mat xsis = mat2(1, 2, 0, 2);
+  Mat zetas = mat2(1, 1, 1, 3);
+  Mat xk = column({4.0, 1.0});
+  Mat uk = column({0.5});
+  TrueSystem() {
+    for (int t = 0; t <= 2; ++t) {
+      ctruetv(1, t) = 10.0 * (t + 1), ctruetv(2, t) = -100.0 * (t + 1);
+      xsis(1, t) = 0.125 * (t + 1), xsis(2, t) = -0.0625 * (t + 1);
+      zetas(1, t + 1) = 1000.0 * (t + 1);
+    }
+  }
+};
+
+TEST(CompXOnePeriod, AdvancesTheTrueStateWithTheNoiseOfThePeriod) {
+  TrueSystem s;
+  Mat xk1 = mat2(1, 2, 1, 1), y = mat2(1, 1, 1, 1);
+  CompXOnePeriod(s.n, s.m, s.nt, s.ny, 1, s.atrue, s.btrue, s.ctruetv, s.h, s.xsis, s.zetas, s.xk,
+                 s.uk, xk1, y, PeriodContext(), SolveTrace());
+  // Period 1: c and xsi from column 1, zeta from column 2.
+  EXPECT_EQ(xk1(1, 1), (2.0 + 0.25) + (0.5 + (20.0 + 0.25)));
+  EXPECT_EQ(xk1(2, 1), (-4.0 + 2.0) + (-1.0 + (-200.0 - 0.125)));
+  EXPECT_EQ(y(1, 1), xk1(1, 1) + 3.0 * xk1(2, 1) + 2000.0);
+}
+
+TEST(CompXOnePeriod, AddsTheConstantAndTheNoiseBeforeTheControlTermAndTheStateTerm) {
+  // Near 1e16 the doubles are 2 apart: ax + (bu + (c + xsi)) loses c + xsi = 1 into bu, while a
+  // sum from the left would keep it.
+  TrueSystem s;
+  s.n = 1;
+  s.atrue = rows(1, 1, {1e16});
+  s.btrue = rows(1, 1, {-1e16});
+  s.xk = column({1.0});
+  s.uk = column({1.0});
+  s.ctruetv(1, 0) = 0.5;
+  s.xsis(1, 0) = 0.5;
+  s.h = rows(1, 1, {1.0});
+  Mat xk1 = mat2(1, 1, 1, 1), y = mat2(1, 1, 1, 1);
+  CompXOnePeriod(1, 1, s.nt, 1, 0, s.atrue, s.btrue, s.ctruetv, s.h, s.xsis, s.zetas, s.xk, s.uk,
+                 xk1, y, PeriodContext(), SolveTrace());
+  EXPECT_EQ(xk1(1, 1), 0.0);
+  EXPECT_EQ(y(1, 1), 1000.0);
+}
+
+TEST(CompXOnePeriod, LabelsEndInTheRoutineOrItsHcfrVariant) {
+  TrueSystem s;
+  Mat xk1 = mat2(1, 2, 1, 1), y = mat2(1, 1, 1, 1);
+  for (bool hcfr : {false, true}) {
+    PeriodContext ctx;
+    ctx.hcfr = hcfr;
+    const std::string content =
+        traced(topics({SolveTopic::StatesControlsIntermediate}), [&](const SolveTrace& t) {
+          CompXOnePeriod(s.n, s.m, s.nt, s.ny, 0, s.atrue, s.btrue, s.ctruetv, s.h, s.xsis, s.zetas,
+                         s.xk, s.uk, xk1, y, ctx, t);
+        });
+    const std::string in = hcfr ? " in CompXOnePeriod/HCFR" : " in CompXOnePeriod";
+    Labels expected;
+    for (const char* v : {"ax", "bu", "ctrue", "xsi", "xk1", "h", "zetas", "zeta", "xhk1", "y"})
+      expected.push_back(v + in);
+    EXPECT_EQ(labels(content), expected);
+  }
+  // Other topics leave the one-period simulation out.
+  EXPECT_EQ(traced(topics({SolveTopic::StatesControlsFinal, SolveTopic::TrueParametersFinal}),
+                   [&](const SolveTrace& t) {
+                     CompXOnePeriod(s.n, s.m, s.nt, s.ny, 0, s.atrue, s.btrue, s.ctruetv, s.h,
+                                    s.xsis, s.zetas, s.xk, s.uk, xk1, y, PeriodContext(), t);
+                   }),
+            "");
+}
+
+TEST(CompXOnePeriodForw, AddsTheExpectedLeadStates) {
+  TrueSystem s;
+  Mat d1 = rows(2, 2, {1.0, 0.0, 0.0, 0.0});
+  Mat d2 = rows(2, 2, {0.0, 0.0, 0.0, 2.0});
+  Mat d3 = rows(2, 2, {0.0, 4.0, 0.0, 0.0});
+  Mat xe = mat2(1, 2, 0, 6);
+  for (int t = 0; t <= 6; ++t) xe(1, t) = t, xe(2, t) = 0.5 * t;
+  Mat xk1 = mat2(1, 2, 1, 1), y = mat2(1, 1, 1, 1);
+  const int k = 1;
+  const std::string content =
+      traced(topics({SolveTopic::StatesControlsIntermediate}), [&](const SolveTrace& t) {
+        CompXOnePeriodForw(s.n, s.m, s.nt, s.ny, k, s.atrue, s.btrue, s.ctruetv, s.h, s.xsis,
+                           s.zetas, d1, d2, d3, xe, s.xk, s.uk, xk1, y, PeriodContext(), t);
+      });
+  // dxesum = D1 xe(2) + D2 xe(3) + D3 xe(4) = (2 + 0 + 4 * 2, 0 + 2 * 1.5 + 0) = (10, 3).
+  EXPECT_EQ(xk1(1, 1), 2.25 + (0.5 + ((20.0 + 10.0) + 0.25)));
+  EXPECT_EQ(xk1(2, 1), -2.0 + (-1.0 + ((-200.0 + 3.0) - 0.125)));
+  EXPECT_EQ(y(1, 1), xk1(1, 1) + 3.0 * xk1(2, 1) + 2000.0);
+  Labels expected;
+  for (const char* v : {"ctruetv", "ax", "bu", "ctrue", "xsi", "d2xek2", "d3xek3", "dxesum", "xk1",
+                        "h", "zetas", "zeta", "xhk1", "y"})
+    expected.push_back(std::string(v) + " in CompXOnePeriodForw");
+  EXPECT_EQ(labels(content), expected);
+}
+
+// Two parameters, two controls, horizon 3.
+struct ParameterPath {
+  int np = 2, m = 2, nt = 3;
+  Mat thetatrue = mat2(1, 2, 0, 3);
+  Mat etas = mat2(1, 2, 0, 2);
+  Mat us = mat2(1, 2, 0, 2);
+  Mat uk = column({3.0, 1.5});
+  Mat npolicy = rows(2, 2, {1.0, 0.5, 0.0, 2.0});
+  ParameterPath() {
+    thetatrue(1, 0) = 0.8, thetatrue(2, 0) = -0.4;
+    thetatrue(1, 1) = 0.6, thetatrue(2, 1) = 1.2;
+    for (int t = 0; t <= 2; ++t) etas(1, t) = 0.01 * (t + 1), etas(2, t) = -0.02 * (t + 1);
+    us(1, 0) = 2.0, us(2, 0) = -1.0;
+  }
+};
+
+TEST(CompThetaTrueOnePeriod, PolicyEffectScalesTheParametersByTheWeightedControlChange) {
+  ParameterPath p;
+  PeriodContext ctx;
+  ASSERT_EQ(CompThetaTrueOnePeriod(ctx, p.np, p.m, p.nt, 1, 1, p.uk, p.us, p.npolicy, p.etas,
+                                   p.thetatrue, SolveTrace()),
+            1);
+  // ukpercent = (0.5, -2.5); plc = N ukpercent = (0.5 - 1.25, -5).
+  EXPECT_EQ(p.thetatrue(1, 2), (0.6 + -0.75 * 0.6) + 0.02);
+  EXPECT_EQ(p.thetatrue(2, 2), (1.2 + -5.0 * 1.2) - 0.04);
+  EXPECT_FALSE(ctx.divisionWarning);
+  // Columns other than k + 1 are left alone.
+  EXPECT_EQ(p.thetatrue(1, 1), 0.6);
+  EXPECT_EQ(p.thetatrue(1, 3), 0.0);
+}
+
+TEST(CompThetaTrueOnePeriod, PeriodZeroHasNoPercentageChange) {
+  ParameterPath p;
+  PeriodContext ctx;
+  ASSERT_EQ(CompThetaTrueOnePeriod(ctx, p.np, p.m, p.nt, 0, 1, p.uk, p.us, p.npolicy, p.etas,
+                                   p.thetatrue, SolveTrace()),
+            1);
+  EXPECT_EQ(p.thetatrue(1, 1), 0.8 + 0.01);
+  EXPECT_EQ(p.thetatrue(2, 1), -0.4 - 0.02);
+  EXPECT_FALSE(ctx.divisionWarning);
+}
+
+TEST(CompThetaTrueOnePeriod, WithoutThePolicyEffectTheParametersWalkAndNIsNotRead) {
+  ParameterPath p;
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const Mat unreadable = rows(2, 2, {nan, nan, nan, nan});
+  p.us(1, 0) = 0.0;  // would be a division warning with the effect on
+  PeriodContext ctx;
+  const std::string content =
+      traced(topics({SolveTopic::TrueParametersIntermediate, SolveTopic::TrueParametersFinal}),
+             [&](const SolveTrace& t) {
+               EXPECT_EQ(CompThetaTrueOnePeriod(ctx, p.np, p.m, p.nt, 1, 0, p.uk, p.us, unreadable,
+                                                p.etas, p.thetatrue, t),
+                         1);
+             });
+  EXPECT_EQ(p.thetatrue(1, 2), 0.6 + 0.02);
+  EXPECT_EQ(p.thetatrue(2, 2), 1.2 - 0.04);
+  EXPECT_FALSE(ctx.divisionWarning);
+  EXPECT_EQ(labels(content),
+            (Labels{"uk in CompThetaTrueOnePeriod", "us in CompThetaTrueOnePeriod",
+                    "eta in CompThetaTrueOnePeriod", "thetak in CompThetaTrueOnePeriod",
+                    "thetak1 in CompThetaTrueOnePeriod", "thetatrue in CompThetaTrueOnePeriod"}));
+}
+
+const char* kMonteCarloWarning =
+    "\r\n\r\n\r\nWarning!  In subr CompThetaTrueOnePeriod - division \r\n"
+    "by a very small number in ukpercent calculation for \r\n"
+    "policy-to-param with method OLF\r\n"
+    "in Monte Carlo run 7\r\n"
+    "at time period 1\r\n"
+    "for control variable 2\r\n"
+    "ukpercent set to 99999.0\r\n";
+
+TEST(CompThetaTrueOnePeriod, ZeroPreviousControlIsReplacedAndReported) {
+  ParameterPath p;
+  p.us(2, 0) = 0.0;
+  PeriodContext ctx;
+  ctx.run = 7;
+  ctx.method = "OLF";
+  // The warning is written whatever the topics.
+  const std::string content = traced(topics({}), [&](const SolveTrace& t) {
+    EXPECT_EQ(CompThetaTrueOnePeriod(ctx, p.np, p.m, p.nt, 1, 1, p.uk, p.us, p.npolicy, p.etas,
+                                     p.thetatrue, t),
+              1);
+  });
+  EXPECT_TRUE(ctx.divisionWarning);
+  EXPECT_EQ(content, kMonteCarloWarning);
+  // ukpercent = (0.5, 99999); plc = (0.25 + 49999.5, 199998): the run goes on with the jump.
+  EXPECT_EQ(p.thetatrue(1, 2), (0.6 + 50000.0 * 0.6) + 0.02);
+  EXPECT_EQ(p.thetatrue(2, 2), (1.2 + 199998.0 * 1.2) - 0.04);
+
+  // Near zero on either side counts as zero; exactly the limit does not.
+  for (double previous : {9.9e-10, -9.9e-10, 1e-9}) {
+    ParameterPath q;
+    q.us(1, 0) = previous;
+    PeriodContext c;
+    CompThetaTrueOnePeriod(c, q.np, q.m, q.nt, 1, 1, q.uk, q.us, q.npolicy, q.etas, q.thetatrue,
+                           SolveTrace());
+    EXPECT_EQ(c.divisionWarning, previous != 1e-9) << previous;
+  }
+}
+
+TEST(CompThetaTrueOnePeriod, SingleSolvesWriteTheShortWarning) {
+  ParameterPath p;
+  p.us(1, 0) = 0.0;
+  PeriodContext ctx;  // run 0: the QLP or OLF solve
+  const std::string content = traced(topics({}), [&](const SolveTrace& t) {
+    CompThetaTrueOnePeriod(ctx, p.np, p.m, p.nt, 1, 1, p.uk, p.us, p.npolicy, p.etas, p.thetatrue,
+                           t);
+  });
+  EXPECT_EQ(content,
+            "\r\n\r\n\r\nWarning!  In subr CompThetaTrueOnePeriod - division \r\n"
+            "by a very small number in ukpercent calculation for \r\n"
+            "policy-to-param.  ukpercent set to 99999.0\r\n\r\n");
+  // Without a debug file the flag is still set.
+  PeriodContext quiet;
+  ParameterPath q;
+  q.us(1, 0) = 0.0;
+  CompThetaTrueOnePeriod(quiet, q.np, q.m, q.nt, 1, 1, q.uk, q.us, q.npolicy, q.etas, q.thetatrue,
+                         SolveTrace());
+  EXPECT_TRUE(quiet.divisionWarning);
+}
+
+TEST(CompThetaTrueOnePeriod, FailedWarningWriteStopsTheRoutine) {
+  ParameterPath p;
+  p.us(1, 0) = 0.0;
+  DebugFile file;
+  ASSERT_TRUE(file.open("/dev/full"));
+  PeriodContext ctx;
+  EXPECT_EQ(CompThetaTrueOnePeriod(ctx, p.np, p.m, p.nt, 1, 1, p.uk, p.us, p.npolicy, p.etas,
+                                   p.thetatrue, SolveTrace(&file, topics({}))),
+            0);
+  EXPECT_EQ(p.thetatrue(1, 2), 0.0);
+}
+
+TEST(CompThetaTrueOnePeriod, LabelsWithThePolicyEffect) {
+  ParameterPath p;
+  PeriodContext ctx;
+  const std::string content =
+      traced(topics({SolveTopic::TrueParametersIntermediate}), [&](const SolveTrace& t) {
+        CompThetaTrueOnePeriod(ctx, p.np, p.m, p.nt, 1, 1, p.uk, p.us, p.npolicy, p.etas,
+                               p.thetatrue, t);
+      });
+  Labels expected;
+  for (const char* v : {"uk", "us", "ukpercent", "npolicyparm", "plc", "puc", "eta", "thetak",
+                        "pucthetak", "thetak1"})
+    expected.push_back(std::string(v) + " in CompThetaTrueOnePeriod");
+  EXPECT_EQ(labels(content), expected);
+}
+
+TEST(TrueParameterEvolution, RebuildsTheTrueSystemFromTheNewParameters) {
+  // Parameter 1 sits in A(2, 1), parameter 2 in c(1).
+  ParameterPath p;
+  const int n = 2;
+  IMat ithn = imat2(1, 2, 1, 3);
+  ithn(1, 1) = kIthnA, ithn(1, 2) = 2, ithn(1, 3) = 1;
+  ithn(2, 1) = kIthnC, ithn(2, 2) = 1, ithn(2, 3) = 1;
+  Mat atrue = rows(2, 2, {0.5, 0.25, 9.0, 2.0});
+  Mat btrue = rows(2, 2, {1.0, -2.0, 3.0, 4.0});
+  Mat ctruetv = mat2(1, 2, 0, 2);
+  for (int t = 0; t <= 2; ++t) ctruetv(1, t) = 7.0, ctruetv(2, t) = -3.0;
+  PeriodContext ctx;
+  RecordingPrompter prompter;
+  const std::string content =
+      traced(topics({SolveTopic::TrueParametersFinal}), [&](const SolveTrace& t) {
+        EXPECT_EQ(TrueParameterEvolution(ctx, 0, n, p.m, p.nt, p.np, 0, ithn, p.us, p.uk, p.npolicy,
+                                         p.etas, p.thetatrue, atrue, btrue, ctruetv, prompter, t),
+                  1);
+      });
+  const double theta1 = 0.8 + 0.01, theta2 = -0.4 - 0.02;
+  EXPECT_EQ(atrue(2, 1), theta1);
+  EXPECT_EQ(atrue(1, 1), 0.5);
+  EXPECT_EQ(atrue(1, 2), 0.25);
+  EXPECT_EQ(btrue(2, 2), 4.0);
+  for (int t = 0; t <= 2; ++t) {
+    EXPECT_EQ(ctruetv(1, t), theta2);
+    EXPECT_EQ(ctruetv(2, t), -3.0);
+  }
+  EXPECT_TRUE(prompter.messages().empty());
+  EXPECT_EQ(labels(content),
+            (Labels{"thetatrue in CompThetaTrueOnePeriod", "atrue in TrueParameterEvolution",
+                    "btrue in TrueParameterEvolution", "ctruetv in TrueParameterEvolution"}));
+}
+
+TEST(CompPolicyParmEffect, AddsTheKnownEffectOfTheTrueParametersToTheEstimate) {
+  ParameterPath p;
+  Mat thk1k1 = column({0.3, -0.7});
+  PeriodContext ctx;
+  const std::string content =
+      traced(topics({SolveTopic::TrueParametersIntermediate, SolveTopic::TrueParametersFinal}),
+             [&](const SolveTrace& t) {
+               EXPECT_EQ(CompPolicyParmEffect(ctx, 1, p.np, p.m, p.nt, p.uk, p.us, p.npolicy,
+                                              p.thetatrue, thk1k1, t),
+                         1);
+             });
+  // plc = (-0.75, -5) as above, applied to thetatrue(:, 1) = (0.6, 1.2).
+  EXPECT_EQ(thk1k1(1, 1), 0.3 + -0.75 * 0.6);
+  EXPECT_EQ(thk1k1(2, 1), -0.7 + -5.0 * 1.2);
+  Labels expected;
+  for (const char* v : {"uk", "ukpercent", "npolicyparm", "plc", "puc", "thetatrue", "thktrue",
+                        "pucthetak", "thk1k1"})
+    expected.push_back(std::string(v) + " in CompPolicyParmEffect");
+  EXPECT_EQ(labels(content), expected);
+
+  // Period 0: nothing to add.
+  Mat start = column({0.3, -0.7});
+  CompPolicyParmEffect(ctx, 0, p.np, p.m, p.nt, p.uk, p.us, p.npolicy, p.thetatrue, start,
+                       SolveTrace());
+  EXPECT_EQ(start(1, 1), 0.3);
+  EXPECT_EQ(start(2, 1), -0.7);
+}
+
+TEST(CompPolicyParmEffect, WritesItsOwnWarnings) {
+  for (int run : {0, 4}) {
+    ParameterPath p;
+    p.us(1, 0) = 0.0;
+    Mat thk1k1 = column({0.3, -0.7});
+    PeriodContext ctx;
+    ctx.run = run;
+    ctx.method = "OLIN";
+    const std::string content = traced(topics({}), [&](const SolveTrace& t) {
+      CompPolicyParmEffect(ctx, 1, p.np, p.m, p.nt, p.uk, p.us, p.npolicy, p.thetatrue, thk1k1, t);
+    });
+    EXPECT_TRUE(ctx.divisionWarning);
+    const std::string head =
+        "\r\n\r\n\r\nWarning!  In subr CompPolicyParmEffect - division \r\n"
+        "by a very small number in ukpercent calculation for \r\n";
+    if (run == 0) {
+      EXPECT_EQ(content, head + "policy-to-param. ukpercent set to 99999.0\r\n\r\n");
+    } else {
+      EXPECT_EQ(content, head +
+                             "policy-to-param with method OLIN\r\nin Monte Carlo run 4\r\n"
+                             "at time period 1\r\nfor control variable 1\r\n"
+                             "ukpercent set to 99999.0\r\n");
+    }
+    // ukpercent = (99999, -2.5): plc = (99999 - 1.25, -5).
+    EXPECT_EQ(thk1k1(1, 1), 0.3 + 99997.75 * 0.6);
+    EXPECT_EQ(thk1k1(2, 1), -0.7 + -5.0 * 1.2);
+  }
+}
+
+}  // namespace
+}  // namespace ovaro
