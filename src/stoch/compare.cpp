@@ -1,0 +1,554 @@
+#include "stoch/compare.h"
+
+#include <cstdio>
+#include <string>
+
+#include "model/options.h"
+#include "numeric/matrix_ops.h"
+#include "solve/forward.h"
+#include "solve/model_input.h"
+#include "solve/olf.h"
+#include "solve/qlp.h"
+#include "solve/system_forms.h"
+#include "stoch/kalman.h"
+#include "stoch/monte_carlo_stats.h"
+#include "stoch/one_period.h"
+
+namespace ovaro {
+
+SolveTrace monteCarloTrace(DebugFile* file, const DebugSwitches& s) {
+  using T = SolveTopic;
+  using S = DebugSwitch;
+  struct Link {
+    T topic;
+    S box;
+  };
+  static constexpr Link kLinks[] = {
+      {T::SystemInput, S::InputsSystemEquations},
+      {T::SystemInput, S::SummaryInputsAndResults},
+      {T::CriterionInput, S::InputsCriterion},
+      {T::CriterionInput, S::SummaryInputsAndResults},
+      {T::TrackingToQuadratic, S::InputsTrackingToQuadratic},
+      {T::PindyckToRegular, S::InputsPindyckToRegular},
+      {T::UncertainParameters, S::InputsMapAbcToTheta},
+      {T::UncertainParameters, S::InputsOther},
+      {T::UncertainParameters, S::SummaryInputsAndResults},
+      {T::ForwardVariables, S::InputsForwardLooking},
+      {T::ForwardVariables, S::IntermediatesForwardEachIteration},
+      {T::ForwardLastTwo, S::IntermediatesForwardLastTwo},
+      {T::PhiThetaPsi, S::IntermediatesKAndPIntermediates},
+      {T::KAndPIntermediate, S::IntermediatesKAndPIntermediates},
+      {T::KAndP, S::IntermediatesKAndP},
+      {T::GAndG, S::IntermediatesGAndG},
+      {T::XAndUIntermediate, S::ResultsStatesControlsIntermediate},
+      {T::XAndU, S::ResultsStatesControlsFinal},
+      {T::CriterionValue, S::ResultsStatesControlsFinal},
+      {T::RandomIntermediates, S::InputsRandomIntermediates},
+      {T::RandomFinals, S::InputsRandomFinal},
+      {T::RandomMeans, S::InputsRandomMeans},
+      {T::ProjectionMeansIntermediate, S::ProjectionMeansIntermediate},
+      {T::ProjectionMeansFinal, S::ProjectionMeansFinal},
+      {T::ProjectionCovariancesIntermediate, S::ProjectionCovariancesIntermediate},
+      {T::ProjectionCovariancesFinal, S::ProjectionCovariancesFinal},
+      {T::FilterMeansIntermediate, S::FilterMeansIntermediate},
+      {T::FilterMeansFinal, S::FilterMeansFinal},
+      {T::FilterCovariancesIntermediate, S::FilterCovariancesIntermediate},
+      {T::FilterCovariancesFinal, S::FilterCovariancesFinal},
+      {T::ThetaCovariance, S::ResultsThetaCovariance},
+      {T::TrueParametersIntermediate, S::ResultsTrueParametersIntermediate},
+      {T::TrueParametersFinal, S::ResultsTrueParametersFinal},
+      {T::EstimatedParametersFinal, S::ResultsEstimatedParametersFinal},
+      {T::EstimatedParametersFinal, S::ResultsThetaMeans},
+      {T::StatesControlsIntermediate, S::ResultsStatesControlsIntermediate},
+      {T::StatesControlsFinal, S::ResultsStatesControlsFinal},
+      {T::MonteCarloSummary, S::ResultsMonteCarloSummary},
+      {T::MonteCarloSummary, S::SummaryInputsAndResults},
+      {T::MonteCarloSummary, S::SummaryResultsOnly},
+  };
+  std::bitset<kSolveTopicCount> topics;
+  for (const Link& link : kLinks)
+    if (s.on(link.box)) topics.set(static_cast<std::size_t>(link.topic));
+  // The period and iteration headings come with any detailed print.
+  bool any = false;
+  for (const DebugSwitchInfo& info : debugSwitchTable())
+    if (info.page != DebugPage::QlpOlf && s.isSet(info.id)) any = true;
+  if (any) topics.set(static_cast<std::size_t>(T::RunHeadings));
+  return SolveTrace(file, topics);
+}
+
+void countLowestCriterion(const MethodSelection& sel, const std::array<double, kMethodCount>& c,
+                          std::array<unsigned, kMethodCount>& counts) {
+  auto only = [&](std::initializer_list<int> on) {
+    MethodSelection want{};
+    for (int i : on) want[static_cast<std::size_t>(i)] = true;
+    return want == sel;
+  };
+  auto add = [&](int i) { ++counts[static_cast<std::size_t>(i)]; };
+  const double cH = c[kHcfr], cCE = c[kCe], cW = c[kCeWo], cO = c[kOlf], cI = c[kOlIn];
+  // Three methods: every method that ties for the lowest is counted.
+  auto three = [&](int a, int b, int d) {
+    const double ca = c[static_cast<std::size_t>(a)], cb = c[static_cast<std::size_t>(b)],
+                 cd = c[static_cast<std::size_t>(d)];
+    if (ca <= cb && ca <= cd) add(a);
+    if (cb <= ca && cb <= cd) add(b);
+    if (cd <= ca && cd <= cb) add(d);
+  };
+  // Only these selections are counted; any other leaves the counts alone.
+  if (only({kHcfr, kCe})) {
+    add(cH > cCE ? kCe : kHcfr);
+  } else if (only({kCe, kCeWo})) {
+    add(cCE <= cW ? kCe : kCeWo);
+  } else if (only({kCe, kOlf})) {
+    add(cCE > cO ? kOlf : kCe);
+  } else if (only({kCe, kOlIn})) {
+    add(cCE > cI ? kOlIn : kCe);
+  } else if (only({kCeWo, kOlf})) {
+    add(cW <= cO ? kCeWo : kOlf);
+  } else if (only({kOlf, kOlIn})) {
+    add(cO > cI ? kOlIn : kOlf);
+  } else if (only({kHcfr, kOlf})) {
+    add(cH > cO ? kOlf : kHcfr);
+  } else if (only({kHcfr, kCe, kOlf})) {
+    three(kHcfr, kCe, kOlf);
+  } else if (only({kCe, kOlf, kOlIn})) {
+    three(kCe, kOlf, kOlIn);
+  } else if (only({kCeWo, kOlf, kOlIn})) {
+    three(kCeWo, kOlf, kOlIn);
+  }
+}
+
+namespace {
+
+// Everything the runs read that does not change from run to run.
+struct CompareSetup {
+  int n = 0, m = 0, l = 0, nt = 0, np = 0, ny = 0;
+  int policy = 0;  // 1 with the policy-to-parameter effect
+  SystemArrays sys;
+  CriterionArrays crit;
+  IMat ithn;
+  UncertainParameters par;  // occupancy tables; sitt is replaced by each period's estimate
+  Mat3 ath, bth, cth;
+  Mat theta0, sitt0, q, d, h, sixx0, sitx0, r, gam, npolicy, hcfrG, hcfrg;
+  Mat atrue0, btrue0, ctruetv0;  // the true system at theta0
+  ForwardContext forwardBase;
+};
+
+std::string formatted(const char* format, const char* text, int value) {
+  char buf[256];
+  std::snprintf(buf, sizeof buf, format, text, value);
+  return buf;
+}
+
+Mat columnOf(int rows, int t, const Mat& a) {
+  Mat c = mat2(1, rows, 1, 1);
+  vcolget(rows, t, a, c);
+  return c;
+}
+
+// One run of one method: the true economy steered from the run's random draws.
+struct RunFlags {
+  bool forwardFailure = false;
+};
+
+int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& terms,
+              PeriodContext& pctx, RunFlags& flags, Prompter& prompter, const SolveTrace& trace,
+              RunPaths& out) {
+  const int n = s.n, m = s.m, nt = s.nt, np = s.np, ny = s.ny;
+  const bool hcfr = method == kHcfr;
+  const bool olfLike = method == kOlf || method == kOlIn;
+  std::string routine = hcfr ? "CompareHcfr" : olfLike ? "CompareOlf" : "CompareCe";
+  if (method == kCeWo) routine += " for CeWo";
+  if (method == kOlIn) routine += " for OlfIn";
+  const std::string in = " in " + routine;
+  int ok = 1;
+
+  Mat sixxkk = mat2(1, n, 1, n), sitxkk = mat2(1, np, 1, n), sittkk = mat2(1, np, 1, np);
+  mmov(n, n, s.sixx0, sixxkk);
+  mmovsub(1, np, 1, n, s.sitx0, sitxkk);
+  mmov(np, np, s.sitt0, sittkk);
+  Mat xhkk = mat2(1, n, 1, 1), thkk = mat2(1, np, 1, 1);
+  mmov(n, 1, terms.x0random, xhkk);
+  mmov(np, 1, terms.thetarandom, thkk);
+  if (trace.on(SolveTopic::FilterCovariancesFinal) || trace.on(SolveTopic::FilterMeansFinal)) {
+    DebugFile& f = trace.file();
+    ok &= f.dumpMatrix("initial sixxkk" + in, 1, n, 1, n, sixxkk);
+    ok &= f.dumpMatrix("initial sitxkk" + in, 1, np, 1, n, sitxkk);
+    ok &= f.dumpMatrix("initial sittkk" + in, 1, np, 1, np, sittkk);
+    ok &= f.dumpMatrix("initial xhkk" + in, 1, n, 1, 1, xhkk);
+    ok &= f.dumpMatrix("initial thkk" + in, 1, np, 1, 1, thkk);
+  }
+
+  out.xs = mat2(1, n, 0, nt);
+  out.us = mat2(1, m, 0, nt - 1);
+  out.thetas = mat2(1, np, 0, nt);
+  out.thetatrue = mat2(1, np, 0, nt);
+  vcolset(n, 0, s.crit.x0, out.xs);
+  vcolset(np, 0, s.theta0, out.thetatrue);
+  vcolset(np, 0, thkk, out.thetas);
+
+  Mat atrue = mat2(1, n, 1, n), btrue = mat2(1, n, 1, m), ctruetv = mat2(1, n, 0, nt - 1);
+  RestoreA(n, m, nt, s.atrue0, s.btrue0, s.ctruetv0, atrue, btrue, ctruetv);
+  Mat a = mat2(1, n, 1, n), b = mat2(1, n, 1, m), cs = mat2(1, n, 0, nt - 1);
+  RestoreA(n, m, nt, s.sys.a, s.sys.b, s.sys.cs, a, b, cs);
+
+  Mat g = mat2(1, m, 1, n), glc = mat2(1, m, 1, 1), uk = mat2(1, m, 1, 1);
+  Mat xk1 = mat2(1, n, 1, 1), y = mat2(1, ny, 1, 1);
+  Mat xhk1k = mat2(1, n, 1, 1), thk1k = mat2(1, np, 1, 1);
+  Mat sixxk1k = mat2(1, n, 1, n), sitxk1k = mat2(1, np, 1, n), sittk1k = mat2(1, np, 1, np);
+  Mat xhk1k1 = mat2(1, n, 1, 1), thk1k1 = mat2(1, np, 1, 1);
+  Mat sixxk1k1 = mat2(1, n, 1, n), sitxk1k1 = mat2(1, np, 1, n), sittk1k1 = mat2(1, np, 1, np);
+  UncertainParameters par = s.par;
+
+  // Forward variables: the expected path of the iteration, kept from period to period.
+  const bool forwardModel = s.sys.forward != 0;
+  const int lastCol = nt + 3;
+  Mat xsiter = mat2(1, n, 0, lastCol), xsiterStore = mat2(1, n, 0, lastCol);
+  Mat usiter = mat2(1, m, 0, nt - 1), usOld = mat2(1, m, 0, nt - 1);
+  Mat csAdjusted = mat2(1, n, 0, nt - 1), csUsed = mat2(1, n, 0, nt - 1);
+  ForwardContext fctx = s.forwardBase;
+  fctx.monteCarlo = true;
+  fctx.method = kMethodNames[static_cast<std::size_t>(method)];
+  FeedbackRule rule = makeFeedbackRule(n, m, nt);
+
+  for (int k = 0; k <= nt - 1; ++k) {
+    if (trace.on(SolveTopic::RunHeadings))
+      ok &= trace.file().write(
+          formatted("\r\n\r\n%s%d", (" " + routine + " - major time loop   k = ").c_str(), k));
+    MapThetaToAbc(n, m, nt, np, s.ithn, thkk, a, b, cs, prompter, trace);
+    const Mat xhat = xhkk;
+    if (hcfr) {
+      mmov(m, n, s.hcfrG, g);
+      mmov(m, 1, s.hcfrg, glc);
+    } else if (!forwardModel) {
+      if (olfLike) {
+        mmov(np, np, sittkk, par.sitt);
+        ok &= CompKpg(n, m, nt, k, a, b, cs, s.crit.f, s.crit.lamlcs, s.crit.lams, s.crit.wlcs,
+                      s.crit.ws, par, g, glc, trace);
+      } else {
+        ok &= CompKpgCe(n, m, nt, k, a, b, cs, s.crit.f, s.crit.lamlcs, s.crit.lams, s.crit.wlcs,
+                        s.crit.ws, g, glc, trace);
+      }
+    } else {
+      // The forward-variable iteration from this period on.
+      ok &= InitializeXsiterUsiter(k, n, m, nt, s.sys.maxLead, s.crit.xtws, out.us, xsiterStore,
+                                   fctx.notConverged, xsiter, usiter, trace);
+      fctx.notConverged = false;
+      mmovsub(1, m, 0, nt - 1, usiter, usOld);
+      if (olfLike) mmov(np, np, sittkk, par.sitt);
+      for (int iter = 1; iter <= fctx.iterlim; ++iter) {
+        if (trace.on(SolveTopic::RunHeadings))
+          ok &= trace.file().write(
+              formatted("\r\n\r\n%s%d",
+                        (" " + routine + " - forward variable loop   iter = ").c_str(), iter));
+        mmovsub(1, n, 0, nt - 1, cs, csAdjusted);
+        ok &= forward(n, m, nt, k, 1, s.sys.maxLead, csAdjusted, s.sys.d1, s.sys.d2, s.sys.d3,
+                      xsiter, trace);
+        if (olfLike) {
+          ok &= CompKpgOlfForw(n, m, nt, k, a, b, csAdjusted, s.crit.f, s.crit.lamlcs, s.crit.lams,
+                               s.crit.wlcs, s.crit.ws, par, rule, trace);
+        } else {
+          ok &= CompKpgCeForw(n, m, nt, k, a, b, csAdjusted, s.crit.f, s.crit.lamlcs, s.crit.lams,
+                              s.crit.wlcs, s.crit.ws, rule, trace);
+        }
+        if (trace.on(SolveTopic::GAndG)) {
+          ok &= trace.file().dumpMatrix3("gs in forward variable iteration of " + routine, k,
+                                         nt - 1, 1, m, 1, n, rule.gs);
+          ok &= trace.file().dumpMatrix("glcs in forward variable itertion of " + routine, 1, m, k,
+                                        nt - 1, rule.glcs);
+        }
+        ok &= ProjectionForwVar(iter, fctx.iterlim, k, n, m, nt, ny, a, b, cs, s.sys.d1, s.sys.d2,
+                                s.sys.d3, s.h, rule, xhat, xsiter, usiter, csUsed, trace);
+        double eps = 0.0;
+        ok &= CheckConvergence(run, iter, k, m, nt, usiter, usOld, eps, fctx, trace);
+        if (iter >= 2 && eps <= fctx.tolerance) break;
+      }
+      if (fctx.notConverged) flags.forwardFailure = true;
+      mmovsub(1, n, k, lastCol, xsiter, xsiterStore);
+      const Mat gk = feedbackAt(rule, k, m, n);
+      mmov(m, n, gk, g);
+      for (int i = 1; i <= m; ++i) glc(i, 1) = rule.glcs(i, k);
+    }
+    pctx.hcfr = hcfr;
+    CompUOnePeriod(n, m, g, glc, xhat, uk, pctx, trace);
+    const Mat xk = columnOf(n, k, out.xs);
+    if (forwardModel) {
+      CompXOnePeriodForw(n, m, nt, ny, k, atrue, btrue, ctruetv, s.h, terms.xsis, terms.zetas,
+                         s.sys.d1, s.sys.d2, s.sys.d3, xsiter, xk, uk, xk1, y, pctx, trace);
+    } else {
+      CompXOnePeriod(n, m, nt, ny, k, atrue, btrue, ctruetv, s.h, terms.xsis, terms.zetas, xk, uk,
+                     xk1, y, pctx, trace);
+    }
+    pctx.hcfr = false;
+    vcolset(n, k + 1, xk1, out.xs);
+    vcolset(m, k, uk, out.us);
+    ok &= TrueParameterEvolution(pctx, k, n, m, nt, np, s.policy, s.ithn, out.us, uk, s.npolicy,
+                                 terms.etas, out.thetatrue, atrue, btrue, ctruetv, prompter, trace);
+    const Mat ck = columnOf(n, k, cs);
+    KStep(n, m, s.l, np, a, b, ck, s.d, xhkk, thkk, uk, s.ath, s.bth, s.cth, sixxkk, sitxkk, sittkk,
+          xhk1k, thk1k, trace);
+    Sigk1k(n, m, s.l, np, a, ck, s.d, xhkk, uk, s.ath, s.bth, s.cth, sixxkk, sitxkk, sittkk, s.q,
+           s.gam, sixxk1k, sitxk1k, sittk1k, trace);
+    Sigk1k1(n, m, np, ny, y, xhk1k, thk1k, sixxk1k, sitxk1k, sittk1k, s.h, s.r, xhk1k1, thk1k1,
+            sixxk1k1, sitxk1k1, sittk1k1, trace);
+    // CEWO learns the state but never moves its parameter estimate.
+    if (method == kCeWo) mmov(np, 1, thkk, thk1k1);
+    // OLIN knows the policy-to-parameter effect and adds it to the estimate.
+    if (method == kOlIn)
+      ok &= CompPolicyParmEffect(pctx, k, np, m, nt, uk, out.us, s.npolicy, out.thetatrue, thk1k1,
+                                 trace);
+    mmov(n, 1, xhk1k1, xhkk);
+    mmov(np, 1, thk1k1, thkk);
+    mmov(n, n, sixxk1k1, sixxkk);
+    mmovsub(1, np, 1, n, sitxk1k1, sitxkk);
+    mmov(np, np, sittk1k1, sittkk);
+    vcolset(np, k + 1, thkk, out.thetas);
+  }
+
+  const CriterionArrays& c = s.crit;
+  out.criterion = c.tracking == 1 ? SumTracking(n, m, nt, c.ws, c.lams, c.xtws, c.utws, out.xs,
+                                                out.us, SolveTrace())
+                                  : sumc(0, n, m, nt, c.ws, c.wlcs, c.f, c.lams, c.lamlcs, c.xtws,
+                                         c.utws, out.xs, out.us, SolveTrace());
+  if (trace.on(SolveTopic::StatesControlsFinal)) {
+    DebugFile& f = trace.file();
+    ok &= f.dumpScalar("criterion" + in, out.criterion);
+    ok &= f.dumpMatrix("xs" + in, 1, n, 0, nt, out.xs);
+    ok &= f.dumpMatrix("us" + in, 1, m, 0, nt - 1, out.us);
+  }
+  if (trace.on(SolveTopic::EstimatedParametersFinal))
+    ok &= trace.file().dumpMatrix("thetas" + in, 1, np, 0, nt, out.thetas);
+  return ok;
+}
+
+constexpr const char* kQWarning =
+    "Q(1,1) is very small.  If Q is a zero matrix \t          \r it may cause SIXXK1K to "
+    "approach zero and therefore  \t\t\t  \r cause S to be singluar.  "
+    "(See the covariance prediction and measurement update of the augmented Kalman filter: "
+    "the predicted state covariance carries Q, and S = H SIXXK1K H' + R.)  \t\t\t  \r "
+    "The remedy for this probem \t\t\t  \r is to select   Data:Additive Noise Terms: Q and then "
+    "to \t\t\t  \r input small but nonzero terms in the diagonal elements \t\t\t  \r of the Q "
+    "matrix.   Another alternative is to use only \t\t\t  \r the command Solve:OLF and not the "
+    "command Solve: Compare \t\t\t  \r with this version of the model. \t\t\t  \r        "
+    "       \t\t\t  \r                               Continue?";
+
+constexpr const char* kForwardFailure =
+    "Convergence in the forward variable loop\t\t\t\r failed for at least one time period in "
+    "one Monte Carlo run.\t\t\t\r Use Solve: Compare: Print to locate the time period\t\t\t\r "
+    "and Monte Carlo run.";
+
+constexpr const char* kDivisionFailure =
+    "Attempt to divide by very small number\t\t\t\r in policy-to-parameter calculation for "
+    "ukpercent\t\t\t\r in subroutine CompThetaTrueOnePeriod or \t\t\t\r in subroutine "
+    "CompPolicyParmEffect for \t\t\t\r at least one control variable, \t\t\t\r time period and "
+    "Monte Carlo run.\t\t\t\r Use Solve: Compare: Print and find the 'Warning!' \t\t\t\r "
+    "message to determine the source of,\t\t\t\r the problem or problems.";
+
+}  // namespace
+
+CompareResult maincompare(const Model& model, const CompareSettings& settings, RandomState& random,
+                          Prompter& prompter, Progress& progress) {
+  CompareResult result;
+  const int stoch = model.flags.stochTerms;
+  if (stoch != opt::kAdditiveNoise && stoch != opt::kParameterUncertainty &&
+      stoch != opt::kMeasurementError) {
+    prompter.inform(
+        "Warning: Need complexity of stochastic \t\t   \r or greater for "
+        "Solve:Compare.  Use Solve:QLP instead.",
+        "Warning!!", Icon::Exclamation);
+    return result;
+  }
+  if (!checkSolveInputs(model, prompter)) return result;
+
+  CompareSetup s;
+  s.n = model.dims.n.value;
+  s.m = model.dims.m.value;
+  s.l = model.dims.l.value;
+  s.nt = solverPeriods(model);
+  s.np = model.dims.np.value;
+  s.ny = s.n;
+  const int n = s.n, m = s.m, nt = s.nt, np = s.np, ny = s.ny;
+  const int nmc = settings.runs ? *settings.runs : model.dims.nmc.value;
+  if (model.dims.ny.value != ny && model.dims.ny.value != 0)
+    prompter.inform("Warning!", "ny in maincompare not equal to nSizeObservations.");
+  result.n = n;
+  result.m = m;
+  result.nt = nt;
+  result.np = np;
+  result.selected = settings.methods;
+
+  DebugFile* file = settings.file;
+  DebugSwitches switches = settings.debug.switches;
+  SolveTrace trace = monteCarloTrace(file, switches);
+  if (file != nullptr) {
+    DebugFile& f = *file;
+    f.writeTitle(" Debug File for OLF ", model.acronym, model.name);
+    const DebugSize sizes[] = {{" State Variables, n ", n},
+                               {" Control Variables, m ", m},
+                               {" Exogenous Variables, l ", s.l},
+                               {" Uncertain Parameters, np ", np},
+                               {" Time Periods, nt ", nt}};
+    if (!f.writeSizes(sizes)) {
+      result.status = 0;
+      return result;
+    }
+  }
+
+  systemInput(model, trace, s.sys);
+  criterionInput(model, trace, s.crit);
+  s.theta0 = readModelMatrix(model, MatrixId::TH0, np, 1, 1);
+  const Mat theta0diff = readModelMatrix(model, MatrixId::TH0DIFF, np, 1, 1);
+  s.sitt0 = readModelMatrix(model, MatrixId::SITT0, np, 1, np);
+  s.ithn = readModelIntMatrix(model, MatrixId::ITHN, np, 3);
+  const Mat xsisModel = readModelMatrix(model, MatrixId::XSIS, n, 0, nt - 1);
+  s.q = readModelMatrix(model, MatrixId::Q, n, 1, n);
+  if (trace.on(SolveTopic::UncertainParameters)) {
+    DebugFile& f = trace.file();
+    f.dumpMatrix("theta0", 1, np, 1, 1, s.theta0);
+    f.dumpMatrix("theta0diff", 1, np, 1, 1, theta0diff);
+    f.dumpMatrix("sitt0", 1, np, 1, np, s.sitt0);
+    f.dumpIntMatrix("ithn", 1, np, 1, 3, s.ithn);
+    f.dumpMatrix("xsis", 1, n, 0, nt - 1, xsisModel);
+  }
+  if (settings.qTest && s.q(1, 1) < 1e-10) {
+    if (prompter.ask(kQWarning, "Warning!", Buttons::YesNo, Answer::Yes, Icon::Exclamation) ==
+        Answer::No) {
+      result.status = 0;
+      return result;
+    }
+  }
+  s.policy = model.flags.policyToParam == opt::kPolicyYes ? 1 : 0;
+  s.npolicy = readModelMatrix(model, MatrixId::N, np, 1, m);
+  s.hcfrG = readModelMatrix(model, MatrixId::G, m, 1, n);
+  s.hcfrg = readModelMatrix(model, MatrixId::g, m, 1, 1);
+
+  // The stochastic inputs: the model's own under measurement error, neutral ones otherwise.
+  if (stoch == opt::kMeasurementError) {
+    s.d = readModelMatrix(model, MatrixId::D, np, 1, np);
+    s.h = readModelMatrix(model, MatrixId::H, ny, 1, n);
+    s.sixx0 = readModelMatrix(model, MatrixId::SIXX0, n, 1, n);
+    s.sitx0 = readModelMatrix(model, MatrixId::SITX0, np, 1, n);
+    s.r = readModelMatrix(model, MatrixId::R, ny, 1, ny);
+    s.gam = readModelMatrix(model, MatrixId::GAM, np, 1, np);
+  } else {
+    VeldDefaults v = InVeldDefaultsForOlf(n, nt, ny, np, trace);
+    s.d = std::move(v.d);
+    s.h = std::move(v.h);
+    s.sixx0 = std::move(v.sixx0);
+    s.sitx0 = std::move(v.sitx0);
+    s.r = std::move(v.r);
+    s.gam = std::move(v.gam);
+  }
+
+  // The uncertain parameters' places, their derivatives, and the true system at theta0.
+  IMat nmap = imat2(1, np, 1, 1);
+  for (int k = 1; k <= np; ++k) nmap(k, 1) = 1;
+  s.par.np = np;
+  s.par.napar = imat2(1, n, 1, n);
+  s.par.nbpar = imat2(1, n, 1, m);
+  s.par.ncpar = imat2(1, n, 1, 1);
+  s.par.sitt = mat2(1, np, 1, np);
+  ithnCheck(n, m, np, nmap, s.ithn, s.par.napar, s.par.nbpar, s.par.ncpar, prompter, trace);
+  const int lc = s.l > 1 ? s.l : 1;
+  s.ath = mat3(1, n, 1, np, 1, n);
+  s.bth = mat3(1, m, 1, np, 1, n);
+  s.cth = mat3(1, lc, 1, np, 1, n);
+  ATheta(n, m, lc, np, s.ithn, s.ath, s.bth, s.cth, trace);
+  s.atrue0 = mat2(1, n, 1, n);
+  s.btrue0 = mat2(1, n, 1, m);
+  s.ctruetv0 = mat2(1, n, 0, nt - 1);
+  StoreATrue(n, m, nt, s.sys.a, s.sys.b, s.sys.cs, s.atrue0, s.btrue0, s.ctruetv0);
+  MapThetaToAbc(n, m, nt, np, s.ithn, s.theta0, s.atrue0, s.btrue0, s.ctruetv0, prompter, trace);
+  if (trace.on(SolveTopic::TrueParametersFinal))
+    trace.file().dumpMatrix("theta0 in maincompare", 1, np, 1, 1, s.theta0);
+  s.forwardBase.iterlim = model.dims.iterlim.value;
+  s.forwardBase.tolerance = model.dims.tolerance;
+
+  // The random terms: their sources, and the draws' inputs.
+  RandomSources src;
+  src.n = n;
+  src.nt = nt;
+  src.np = np;
+  src.ny = ny;
+  src.theta0 = s.theta0;
+  src.sitt0 = s.sitt0;
+  src.q = s.q;
+  src.x0 = s.crit.x0;
+  src.sixx0 = s.sixx0;
+  src.r = s.r;
+  src.gam = s.gam;
+  src.switches = model.randomSwitches;
+  src.eps = settings.eps;
+  RandomTerms terms = makeRandomTerms(n, nt, np, ny);
+  chooseRandomSource(model, src, terms, prompter, trace);
+  const bool generate = model.flags.randomSource != opt::kReadIn;
+  if (file != nullptr && switches.any() && !writeSeedLines(*file, random)) {
+    result.status = 0;
+    return result;
+  }
+  RandomAccumulators acc = makeRandomAccumulators(n, np);
+
+  MonteCarloPaths paths = makeMonteCarloPaths(n, m, nt, nmc);
+  progress.start(nmc);
+  if (nmc == 0)
+    prompter.inform("Number of Monte Carlo runs set to zero so no solution.", "Warning!",
+                    Icon::Exclamation);
+  PeriodContext pctx;
+  RunFlags flags;
+  DebugSwitches saved;
+  int ok = 1;
+  for (int run = 1; run <= nmc && ok; ++run) {
+    // Only the first run (or the chosen one) is printed in detail; the summary stays on.
+    auto summaryOnly = [&] {
+      switches.clear();
+      switches.set(DebugSwitch::ResultsMonteCarloSummary);
+    };
+    if (run == 2) summaryOnly();
+    if (settings.debug.runSelection == DebugRunSelection::RunNumber) {
+      if (run == 1) {
+        saved = switches;
+        summaryOnly();
+      }
+      if (run == settings.debug.runNumber) {
+        switches = saved;
+        if (file != nullptr)
+          ok &= file->write(formatted("\r\n\r\n\r\n%s%d", " Print for Monte Carlo run i = ", run));
+      }
+      if (run == settings.debug.runNumber + 1) summaryOnly();
+    }
+    trace = monteCarloTrace(file, switches);
+    progress.step();
+    if (generate) GenerateRandomTerms(random, src, terms, acc, prompter, trace);
+    std::array<double, kMethodCount> criteria{};
+    for (int method = 0; method < kMethodCount; ++method) {
+      if (!settings.methods[static_cast<std::size_t>(method)]) continue;
+      pctx.run = run;
+      pctx.method = kMethodNames[static_cast<std::size_t>(method)];
+      RunPaths& rp = result.lastRun[static_cast<std::size_t>(method)];
+      ok &= runMethod(method, run, s, terms, pctx, flags, prompter, trace, rp);
+      criteria[static_cast<std::size_t>(method)] = rp.criterion;
+      result.criterionSums[static_cast<std::size_t>(method)] += rp.criterion;
+      storeRunPaths(paths, method, run, rp);
+    }
+    result.mcResults.push_back(criteria);
+    countLowestCriterion(settings.methods, criteria, result.lowestCounts);
+  }
+  progress.finish();
+  result.runs = static_cast<int>(result.mcResults.size());
+  result.xtws = s.crit.xtws;
+  result.utws = s.crit.utws;
+  if (flags.forwardFailure) prompter.inform(kForwardFailure, "Warning!", Icon::Exclamation);
+  if (pctx.divisionWarning) prompter.inform(kDivisionFailure, "Warning!", Icon::Exclamation);
+  if (!ok) {
+    result.status = 0;
+    return result;
+  }
+  result.status = 1;
+  if (result.runs > 1) {
+    monteCarloSummary(result, prompter, trace);
+    pathStatistics(result, paths, s.crit.xtws, s.crit.utws, settings.debug.switches, file);
+    if (generate) randomDrawCheck(result, acc, terms, trace);
+  }
+  return result;
+}
+
+}  // namespace ovaro
