@@ -31,6 +31,7 @@ const StoredResult* ResultsStore::find(std::string_view method) const {
 void ResultsStore::clear() {
   for (std::optional<StoredResult>& slot : results_) slot.reset();
   ran = RunFlags{};
+  statistics.clear();
 }
 
 }  // namespace ovaro

@@ -13,7 +13,9 @@
 #pragma once
 
 #include <array>
+#include <map>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "numeric/arrays.h"
@@ -79,6 +81,9 @@ class ResultsStore {
 
   RunFlags ran;
   DisplayPreferences display;
+  // The statistics of the last Monte Carlo comparison over its runs, by name ("AvgXsCe",
+  // "VarAvgUsOlf", "thetamean", ...).
+  std::map<std::string, Mat> statistics;
 
  private:
   std::array<std::optional<StoredResult>, kResultMethods.size()> results_;

@@ -19,6 +19,8 @@
 #include "numeric/prompter.h"
 #include "results/results_store.h"
 #include "solve/olf.h"
+#include "stoch/random_terms.h"
+#include "stoch/updating.h"
 
 namespace ovaro {
 
@@ -34,6 +36,7 @@ struct ShellPreferences {
   int askScenarioQuestion = 0;    // "Ask scenario question after solution?", unchecked at start
   int importMatrixColumns = 5;    // "Import Matrix Columns"
   int methodSelector = kSolveQlp;
+  int qTest = 1;  // ask before a comparison runs with a (near) zero Q
   friend bool operator==(const ShellPreferences&, const ShellPreferences&) = default;
 };
 
@@ -67,6 +70,12 @@ class Workbench {
 
   // Preferences: Caution Experiment, read by the OLF solve. Off at start.
   CautionExperiment caution;
+
+  // The random generators' state: it survives from one solve to the next.
+  RandomState random;
+  // The choice of "Methods for Stochastic w/o Updating". (The Compare method choice is the
+  // results store's run flags.)
+  UpdatingMethods updatingMethods;
 
   DebugPrintSettings debug;
   DebugFile debugFile{&resultsFormat};

@@ -1,0 +1,28 @@
+// The Solve: Compare command and the parameter-updating group's "Stochastic w/o Updating" on a
+// workbench: run the Monte Carlo driver on the current Model with the workbench's generator
+// state, debug settings and progress, and leave the runs' results in the results store.
+#pragma once
+
+#include <optional>
+
+#include "results/workbench.h"
+#include "stoch/compare.h"
+#include "stoch/updating.h"
+
+namespace ovaro {
+
+// Runs the comparison of the chosen methods (the choice is kept as the Compare run flags).
+// `runs` overrides the Model's run count. The open debug file, if any, is written and closed.
+// Each selected method's last run is stored under its name with its parameter paths, and the
+// display is chosen for the methods that ran.
+CompareResult runCompareCommand(Workbench& wb, const MethodSelection& methods,
+                                std::optional<int> runs = std::nullopt);
+
+// "Stochastic w/o Updating" with the workbench's method choice. The last run's paths are stored
+// as the HCFR solution.
+UpdatingResult runUpdatingCommand(Workbench& wb, std::optional<int> runs = std::nullopt);
+
+// The commands of the parameter-updating group that have no driver of their own answer this.
+inline constexpr const char* kNotSupportedYet = "This option not supported yet.";
+
+}  // namespace ovaro
