@@ -2,7 +2,11 @@
 
 #include <CLI/CLI.hpp>
 
+#include <unistd.h>
+
+#include <cstdio>
 #include <cstdlib>
+#include <iostream>
 #include <ostream>
 #include <sstream>
 #include <string>
@@ -16,6 +20,7 @@
 #include "numeric/prompter.h"
 #include "results/results_table.h"
 #include "results/solve_commands.h"
+#include "results/stochastic_commands.h"
 #include "results/workbench.h"
 
 namespace ovaro::cli {
@@ -98,18 +103,24 @@ std::vector<std::string> splitCommas(const std::string& text) {
   return items;
 }
 
-// The switches named by --trace: machine names of the Debug Print Options, or "all".
-bool parseTrace(const std::string& text, DebugSwitches& switches, std::ostream& err) {
+// The switches named by --trace: machine names of the single solves' Debug Print Options or,
+// for the Monte Carlo commands, of the five-page sheet; "all" ticks every box of them.
+bool parseTrace(const std::string& text, bool monteCarlo, DebugSwitches& switches,
+                std::ostream& err) {
+  auto belongs = [&](const DebugSwitchInfo& info) {
+    return (info.page == DebugPage::QlpOlf) != monteCarlo;
+  };
   for (const std::string& name : splitCommas(text)) {
     if (name == "all") {
-      switches.set(DebugSwitch::QlpAll);
+      for (const DebugSwitchInfo& info : debugSwitchTable())
+        if (belongs(info)) switches.set(info.id);
       continue;
     }
     const std::optional<DebugSwitch> s = findDebugSwitch(name);
-    if (!s) {
+    if (!s || !belongs(debugSwitchInfo(*s))) {
       err << "ovaro-cli: unknown debug switch '" << name << "'. Known switches:";
       for (const DebugSwitchInfo& info : debugSwitchTable())
-        if (info.page == DebugPage::QlpOlf) err << ' ' << info.name;
+        if (belongs(info)) err << ' ' << info.name;
       err << " (or all)\n";
       return false;
     }
@@ -158,7 +169,7 @@ int solve(const SolveOptions& o, std::ostream& out, std::ostream& err) {
   NullProgress progress;
   Workbench wb(prompter, progress);
   const int method = o.method == "olf" ? kSolveOlf : kSolveQlp;
-  if (!o.trace.empty() && !parseTrace(o.trace, wb.debug.switches, err)) return kExitUsage;
+  if (!o.trace.empty() && !parseTrace(o.trace, false, wb.debug.switches, err)) return kExitUsage;
   if (!o.caution.empty()) {
     if (method != kSolveOlf) {
       err << "ovaro-cli: --caution applies to --method olf only\n";
@@ -202,6 +213,211 @@ int solve(const SolveOptions& o, std::ostream& out, std::ostream& err) {
     out << dumpJson(j);
   } else {
     out << renderResultsText(wb.model, wb.results, wb.resultsFormat);
+  }
+  return kExitOk;
+}
+
+// A prompter for the Monte Carlo commands: questions are answered Yes, or No with --no.
+class AnsweringPrompter final : public RecordingPrompter {
+ public:
+  AnsweringPrompter(std::ostream* echo, bool no) : RecordingPrompter(echo), no_(no) {}
+  Answer show(const Message& message) override {
+    if (message.buttons != Buttons::Ok) scriptAnswer(no_ ? Answer::No : Answer::Yes);
+    return RecordingPrompter::show(message);
+  }
+
+ private:
+  bool no_;
+};
+
+// The run count on stderr, redrawn in place, when stderr is a terminal.
+class TerminalProgress final : public Progress {
+ public:
+  explicit TerminalProgress(bool enabled) : enabled_(enabled) {}
+  void start(int maximum) override {
+    maximum_ = maximum;
+    done_ = 0;
+  }
+  void step() override {
+    ++done_;
+    if (!enabled_ || maximum_ <= 0) return;
+    const int width = 40;
+    const int filled = done_ * width / maximum_;
+    std::fprintf(
+        stderr, "\r[%s%s] run %d of %d", std::string(static_cast<std::size_t>(filled), '#').c_str(),
+        std::string(static_cast<std::size_t>(width - filled), ' ').c_str(), done_, maximum_);
+    std::fflush(stderr);
+  }
+  void finish() override {
+    if (enabled_ && maximum_ > 0) std::fputs("\n", stderr);
+  }
+
+ private:
+  bool enabled_;
+  int maximum_ = 0;
+  int done_ = 0;
+};
+
+struct MonteCarloOptions {
+  std::string model;
+  std::string methods;
+  int runs = -1;
+  double seed = 0.5;
+  bool json = false;
+  bool no = false;
+  std::string debug;
+  std::string trace;
+  int printRun = 0;
+  int format = 0;
+};
+
+// Sets up a workbench for a Monte Carlo command: the model, the seed, the debug file and switches.
+// Returns an exit code, or -1 to go on.
+int prepareMonteCarlo(const MonteCarloOptions& o, Workbench& wb, RecordingPrompter& prompter,
+                      std::ostream& out, std::ostream& err) {
+  if (!o.trace.empty() && !parseTrace(o.trace, true, wb.debug.switches, err)) return kExitUsage;
+  if (o.printRun > 0) {
+    wb.debug.runSelection = DebugRunSelection::RunNumber;
+    wb.debug.runNumber = o.printRun;
+  }
+  auto failed = [&] {
+    if (o.json)
+      out << dumpJson({{"error", prompter.messages().back().text},
+                       {"messages", messagesJson(prompter.messages())}});
+    return kExitFailed;
+  };
+  if (readModelFile(o.model, wb.model, prompter) != 1) {
+    fileMessage(prompter, "Could not read file %s!", o.model);
+    return failed();
+  }
+  wb.random.quarnsSeed = static_cast<float>(o.seed);
+  wb.resultsFormat = o.format;
+  if (!o.debug.empty() && !wb.debugFile.open(o.debug)) {
+    fileMessage(prompter, "Could not write file %s", o.debug);
+    return failed();
+  }
+  return -1;
+}
+
+int compare(const MonteCarloOptions& o, bool tty, std::ostream& out, std::ostream& err) {
+  MethodSelection methods{};
+  for (const std::string& name : splitCommas(o.methods)) {
+    bool found = false;
+    for (int k = 0; k < kMethodCount; ++k) {
+      std::string lower = kMethodNames[static_cast<std::size_t>(k)];
+      for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+      if (name == lower) {
+        methods[static_cast<std::size_t>(k)] = true;
+        found = true;
+      }
+    }
+    if (!found) {
+      err << "ovaro-cli: unknown method '" << name << "' (hcfr, ce, cewo, olf, olin)\n";
+      return kExitUsage;
+    }
+  }
+  AnsweringPrompter prompter(&err, o.no);
+  TerminalProgress progress(tty);
+  Workbench wb(prompter, progress);
+  if (const int code = prepareMonteCarlo(o, wb, prompter, out, err); code >= 0) return code;
+  std::optional<int> runs;
+  if (o.runs >= 0) runs = o.runs;
+  const CompareResult r = runCompareCommand(wb, methods, runs);
+  if (r.status != 1) {
+    if (o.json)
+      out << dumpJson({{"error", prompter.messages().empty() ? std::string("comparison stopped")
+                                                             : prompter.messages().back().text},
+                       {"messages", messagesJson(prompter.messages())}});
+    return kExitFailed;
+  }
+  // Averages are formed by the summary only when there are two runs or more; for one run the
+  // run's criterion is its own average.
+  std::array<double, kMethodCount> averages = r.averages;
+  if (r.runs == 1) averages = r.criterionSums;
+  if (o.json) {
+    nlohmann::json j;
+    j["runs"] = r.runs;
+    nlohmann::json names = nlohmann::json::array();
+    nlohmann::json criteria = nlohmann::json::object();
+    nlohmann::json avg = nlohmann::json::object();
+    nlohmann::json counts = nlohmann::json::object();
+    for (int k = 0; k < kMethodCount; ++k) {
+      const std::size_t i = static_cast<std::size_t>(k);
+      if (methods[i]) {
+        names.push_back(kMethodNames[i]);
+        nlohmann::json list = nlohmann::json::array();
+        for (const auto& row : r.mcResults) list.push_back(row[i]);
+        criteria[kMethodNames[i]] = list;
+        avg[kMethodNames[i]] = averages[i];
+      }
+      counts[kMethodNames[i]] = r.lowestCounts[i];
+    }
+    j["methods"] = names;
+    j["criteria"] = criteria;
+    j["average_criterion"] = avg;
+    j["lowest_counts"] = counts;
+    j["messages"] = messagesJson(prompter.messages());
+    out << dumpJson(j);
+    return kExitOk;
+  }
+  out << "Monte Carlo comparison of " << o.model << ": " << r.runs << " run(s)\n";
+  out << "Average criterion:";
+  for (int k = 0; k < kMethodCount; ++k)
+    if (methods[static_cast<std::size_t>(k)])
+      out << "  " << kMethodNames[static_cast<std::size_t>(k)] << " = "
+          << formatNumber("%g", averages[static_cast<std::size_t>(k)]);
+  out << "\nRuns with lowest criterion:";
+  for (int k = 0; k < kMethodCount; ++k)
+    out << "  " << kMethodNames[static_cast<std::size_t>(k)] << " = "
+        << r.lowestCounts[static_cast<std::size_t>(k)];
+  out << "\n";
+  if (r.runs == 1) out << "\n" << renderResultsText(wb.model, wb.results, wb.resultsFormat);
+  return kExitOk;
+}
+
+int updating(const MonteCarloOptions& o, bool tty, std::ostream& out, std::ostream& err) {
+  UpdatingMethods methods;
+  for (const std::string& name : splitCommas(o.methods)) {
+    if (name == "hcfr") {
+      methods.hcfr = true;
+    } else if (name == "ce") {
+      methods.ce = true;
+    } else if (name == "olf") {
+      methods.olf = true;
+    } else {
+      err << "ovaro-cli: unknown method '" << name << "' (hcfr, ce, olf)\n";
+      return kExitUsage;
+    }
+  }
+  AnsweringPrompter prompter(&err, o.no);
+  TerminalProgress progress(tty);
+  Workbench wb(prompter, progress);
+  if (const int code = prepareMonteCarlo(o, wb, prompter, out, err); code >= 0) return code;
+  wb.updatingMethods = methods;
+  std::optional<int> runs;
+  if (o.runs >= 0) runs = o.runs;
+  const UpdatingResult r = runUpdatingCommand(wb, runs);
+  if (r.status != 1) {
+    if (o.json)
+      out << dumpJson({{"error", prompter.messages().empty() ? std::string("runs stopped")
+                                                             : prompter.messages().back().text},
+                       {"messages", messagesJson(prompter.messages())}});
+    return kExitFailed;
+  }
+  if (o.json) {
+    nlohmann::json j;
+    j["runs"] = r.runs;
+    j["criteria"] = {{"HCFR", r.criteria}};
+    j["messages"] = messagesJson(prompter.messages());
+    out << dumpJson(j);
+    return kExitOk;
+  }
+  out << "Stochastic w/o Updating of " << o.model << ": " << r.runs << " run(s)\n";
+  if (!r.criteria.empty()) {
+    out << "Average HCFR criterion = "
+        << formatNumber("%g", r.criterionSum / static_cast<double>(r.criteria.size())) << "\n";
+  } else {
+    out << "No criterion computed (select ce or olf beside hcfr to compute it).\n";
   }
   return kExitOk;
 }
@@ -250,6 +466,36 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
   solveCmd->add_option("--caution", solveOptions.caution,
                        "ROW,COL,VALUE,PERIOD: perturb SITT0(ROW,COL) to VALUE in PERIOD (olf)");
 
+  MonteCarloOptions compareOptions;
+  CLI::App* compareCmd =
+      app.add_subcommand("compare", "Monte Carlo comparison of HCFR, CE, CEWO, OLF and OLIN");
+  MonteCarloOptions updatingOptions;
+  CLI::App* updatingCmd = app.add_subcommand(
+      "updating", "Parameter updating: the handcrafted rule under noise, without updating");
+  for (auto [cmd, o] :
+       {std::pair{compareCmd, &compareOptions}, std::pair{updatingCmd, &updatingOptions}}) {
+    const bool isCompare = cmd == compareCmd;
+    cmd->add_option("model", o->model, "Model file (.ovi)")->required();
+    cmd->add_option(
+           "--methods", o->methods,
+           isCompare ? "Comma list of hcfr, ce, cewo, olf, olin" : "Comma list of hcfr, ce, olf")
+        ->required();
+    cmd->add_option("--runs", o->runs, "Number of Monte Carlo runs (default: the model's)")
+        ->check(CLI::Range(0, 1000000));
+    cmd->add_option("--seed", o->seed, "Floating-point seed of the uniform generator (0.5)");
+    cmd->add_flag("--json", o->json, "Print a JSON object");
+    cmd->add_flag("--no", o->no, "Answer No to the questions (default Yes)");
+    cmd->add_option("--debug", o->debug, "Write a debug print file");
+    cmd->add_option("--trace", o->trace,
+                    "Comma list of debug switches of the Compare sheet, or all")
+        ->needs(cmd->get_option("--debug"));
+    cmd->add_option("--print-run", o->printRun, "Print only this run in detail")
+        ->check(CLI::Range(1, 1000000));
+    if (isCompare)
+      cmd->add_option("--format", o->format, "Number format id of the one-run table")
+          ->check(CLI::IsMember(formatIds));
+  }
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp&) {
@@ -267,6 +513,9 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
   if (infoCmd->parsed()) return info(infoOptions, out, err);
   if (convertCmd->parsed()) return convert(convertOptions, err);
   if (solveCmd->parsed()) return solve(solveOptions, out, err);
+  const bool tty = &err == &std::cerr && isatty(STDERR_FILENO);
+  if (compareCmd->parsed()) return compare(compareOptions, tty, out, err);
+  if (updatingCmd->parsed()) return updating(updatingOptions, tty, out, err);
   return kExitUsage;
 }
 
