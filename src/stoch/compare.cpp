@@ -68,10 +68,14 @@ SolveTrace monteCarloTrace(DebugFile* file, const DebugSwitches& s) {
   std::bitset<kSolveTopicCount> topics;
   for (const Link& link : kLinks)
     if (s.on(link.box)) topics.set(static_cast<std::size_t>(link.topic));
-  // The period and iteration headings come with any detailed print.
+  // The period and iteration headings come with any detailed print of the runs; the summaries
+  // after the runs (the Monte Carlo results print and the Monte Carlo page) are not one.
   bool any = false;
-  for (const DebugSwitchInfo& info : debugSwitchTable())
-    if (info.page != DebugPage::QlpOlf && s.isSet(info.id)) any = true;
+  for (const DebugSwitchInfo& info : debugSwitchTable()) {
+    if (info.page == DebugPage::QlpOlf || info.page == DebugPage::MonteCarlo) continue;
+    if (info.id == S::ResultsMonteCarloSummary || info.id == S::SummaryResultsOnly) continue;
+    if (s.isSet(info.id)) any = true;
+  }
   if (any) topics.set(static_cast<std::size_t>(T::RunHeadings));
   return SolveTrace(file, topics);
 }

@@ -73,6 +73,38 @@ TEST(CliCompare, OneRunPrintsItsTableAndRefusalsExitOne) {
   EXPECT_NE(text.find("mcResults"), std::string::npos);
 }
 
+// Counts the occurrences of `what` in `text`.
+int occurrences(const std::string& text, const std::string& what) {
+  int n = 0;
+  for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) ++n;
+  return n;
+}
+
+TEST(CliCompare, ATracedComparisonPrintsOnlyTheRunsTheSwitchingRulesAllow) {
+  TempDir dir;
+  // Without a run restriction only run 1 is printed in detail; the summary comes after the runs.
+  const std::string first = dir.file("first.dbg");
+  auto r = runCli({"compare", example("learn1.ovi"), "--methods", "ce,olf", "--runs", "4",
+                   "--debug", first, "--trace", "results.states-and-controls-final"});
+  ASSERT_EQ(r.code, 0) << r.err;
+  std::string text = slurp(first);
+  EXPECT_EQ(occurrences(text, "criterion in CompareCe"), 1);
+  EXPECT_EQ(occurrences(text, "criterion in CompareOlf"), 1);
+  EXPECT_EQ(occurrences(text, "CompareCe - major time loop   k = "), 5);  // one per period
+  EXPECT_EQ(occurrences(text, "\n mcResults "), 1);
+  EXPECT_LT(text.find("criterion in CompareOlf"), text.find("mcResults"));
+
+  // "Only run number 3": run 3 alone, announced.
+  const std::string third = dir.file("third.dbg");
+  r = runCli({"compare", example("learn1.ovi"), "--methods", "ce,olf", "--runs", "4", "--debug",
+              third, "--trace", "results.states-and-controls-final", "--print-run", "3"});
+  ASSERT_EQ(r.code, 0) << r.err;
+  text = slurp(third);
+  EXPECT_EQ(occurrences(text, " Print for Monte Carlo run i = 3"), 1);
+  EXPECT_EQ(occurrences(text, "criterion in CompareCe"), 1);
+  EXPECT_LT(text.find(" Print for Monte Carlo run i = 3"), text.find("criterion in CompareCe"));
+}
+
 TEST(CliUpdating, RunsTheHandcraftedRuleAndReportsItsCriteria) {
   auto r =
       runCli({"updating", example("learn1.ovi"), "--methods", "hcfr,ce", "--runs", "5", "--json"});
