@@ -4,6 +4,27 @@
 
 namespace ovaro {
 
+namespace {
+
+// A run's paths as a stored solution of the method.
+StoredResult storedRun(const char* method, int n, int m, int nt, const Mat& xs, const Mat& us,
+                       const Mat& xtws, const Mat& utws, double criterion) {
+  StoredResult stored;
+  Solution& s = stored.solution;
+  s.method = method;
+  s.n = n;
+  s.m = m;
+  s.nt = nt;
+  s.xs = xs;
+  s.us = us;
+  s.xtws = xtws;
+  s.utws = utws;
+  s.criterion = criterion;
+  return stored;
+}
+
+}  // namespace
+
 CompareResult runCompareCommand(Workbench& wb, const MethodSelection& methods,
                                 std::optional<int> runs) {
   wb.results.ran.compare = methods;
@@ -22,17 +43,9 @@ CompareResult runCompareCommand(Workbench& wb, const MethodSelection& methods,
     for (int k = 0; k < kMethodCount; ++k) {
       if (!methods[static_cast<std::size_t>(k)]) continue;
       const RunPaths& rp = result.lastRun[static_cast<std::size_t>(k)];
-      StoredResult stored;
-      Solution& s = stored.solution;
-      s.method = kMethodNames[static_cast<std::size_t>(k)];
-      s.n = result.n;
-      s.m = result.m;
-      s.nt = result.nt;
-      s.xs = rp.xs;
-      s.us = rp.us;
-      s.xtws = result.xtws;
-      s.utws = result.utws;
-      s.criterion = rp.criterion;
+      StoredResult stored =
+          storedRun(kMethodNames[static_cast<std::size_t>(k)], result.n, result.m, result.nt, rp.xs,
+                    rp.us, result.xtws, result.utws, rp.criterion);
       if (result.np > 0) stored.parameters = ParameterPaths{rp.thetas, rp.thetatrue};
       wb.results.store(std::move(stored));
     }
@@ -53,17 +66,9 @@ UpdatingResult runUpdatingCommand(Workbench& wb, std::optional<int> runs) {
   UpdatingResult result =
       maincompareWoUpdating(wb.model, settings, wb.random, wb.prompter, wb.progress);
   if (result.status == 1 && result.runs > 0 && wb.updatingMethods.hcfr) {
-    StoredResult stored;
-    Solution& s = stored.solution;
-    s.method = "HCFR";
-    s.n = result.n;
-    s.m = result.m;
-    s.nt = result.nt;
-    s.xs = result.xs;
-    s.us = result.us;
-    s.xtws = result.xtws;
-    s.utws = result.utws;
-    s.criterion = result.criteria.empty() ? 0.0 : result.criteria.back();
+    StoredResult stored =
+        storedRun("HCFR", result.n, result.m, result.nt, result.xs, result.us, result.xtws,
+                  result.utws, result.criteria.empty() ? 0.0 : result.criteria.back());
     wb.results.store(std::move(stored));
   }
   wb.debugFile.close();
