@@ -324,6 +324,25 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
   return ok;
 }
 
+// The per-method runs: HCFR by its fixed rule, CE and CEWO by the certainty-equivalence re-solve,
+// OLF and OLIN by the open loop feedback re-solve.
+int CompareHcfr(int run, const CompareSetup& s, const RandomTerms& terms, PeriodContext& pctx,
+                RunFlags& flags, Prompter& prompter, const SolveTrace& trace, RunPaths& out) {
+  return runMethod(kHcfr, run, s, terms, pctx, flags, prompter, trace, out);
+}
+
+int CompareCe(bool withoutUpdate, int run, const CompareSetup& s, const RandomTerms& terms,
+              PeriodContext& pctx, RunFlags& flags, Prompter& prompter, const SolveTrace& trace,
+              RunPaths& out) {
+  return runMethod(withoutUpdate ? kCeWo : kCe, run, s, terms, pctx, flags, prompter, trace, out);
+}
+
+int CompareOlf(bool withInsight, int run, const CompareSetup& s, const RandomTerms& terms,
+               PeriodContext& pctx, RunFlags& flags, Prompter& prompter, const SolveTrace& trace,
+               RunPaths& out) {
+  return runMethod(withInsight ? kOlIn : kOlf, run, s, terms, pctx, flags, prompter, trace, out);
+}
+
 constexpr const char* kQWarning =
     "Q(1,1) is very small.  If Q is a zero matrix \t          \r it may cause SIXXK1K to "
     "approach zero and therefore  \t\t\t  \r cause S to be singluar.  "
@@ -528,7 +547,18 @@ CompareResult maincompare(const Model& model, const CompareSettings& settings, R
       pctx.run = run;
       pctx.method = kMethodNames[static_cast<std::size_t>(method)];
       RunPaths& rp = result.lastRun[static_cast<std::size_t>(method)];
-      ok &= runMethod(method, run, s, terms, pctx, flags, prompter, trace, rp);
+      switch (method) {
+        case kHcfr:
+          ok &= CompareHcfr(run, s, terms, pctx, flags, prompter, trace, rp);
+          break;
+        case kCe:
+        case kCeWo:
+          ok &= CompareCe(method == kCeWo, run, s, terms, pctx, flags, prompter, trace, rp);
+          break;
+        default:
+          ok &= CompareOlf(method == kOlIn, run, s, terms, pctx, flags, prompter, trace, rp);
+          break;
+      }
       criteria[static_cast<std::size_t>(method)] = rp.criterion;
       result.criterionSums[static_cast<std::size_t>(method)] += rp.criterion;
       storeRunPaths(paths, method, run, rp);
