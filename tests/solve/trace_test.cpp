@@ -11,27 +11,16 @@
 #include "io/debug_file.h"
 #include "solve/drivers.h"
 #include "solve/stacked_reference.h"
+#include "support/debug_labels.h"
 #include "support/temp_dir.h"
 
 namespace ovaro {
 namespace {
 
-// The labels of the file in order: every line that is not an element row ("   " first), cut at
-// the blanks that separate a scalar's label from its value.
+using testing::debugLabels;
+
 std::vector<std::string> labels(const std::string& content) {
-  std::vector<std::string> out;
-  std::istringstream in(content);
-  std::string line;
-  while (std::getline(in, line)) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    if (line.empty() || line.rfind("   ", 0) == 0) continue;
-    const std::size_t cut = line.find("  ", 1);
-    if (cut != std::string::npos) line.erase(cut);
-    const std::size_t b = line.find_first_not_of(' ');
-    const std::size_t e = line.find_last_not_of(' ');
-    out.push_back(line.substr(b, e - b + 1));
-  }
-  return out;
+  return debugLabels(content);
 }
 
 long firstOf(const std::vector<std::string>& l, const std::string& label) {

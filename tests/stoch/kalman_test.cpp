@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "io/debug_file.h"
+#include "support/debug_labels.h"
 #include "support/temp_dir.h"
 
 namespace ovaro {
@@ -391,21 +392,12 @@ TEST(KalmanFilter, FxtkIsTheJacobianOfTheSystemInTheParameters) {
   expectNear(fxt, {{-0.5, 0.0, 1.0, 0.0}, {0.0, 0.4, 0.0, 1.0}}, 0.0, "fxt");
 }
 
-// The labels of a debug file in order, consecutive repeats (blocks of one dump) counted once.
+// The labels of a debug file in order, consecutive repeats (blocks of one dump) counted once;
+// the " tr4b = " remarks, one per element pair, are all kept.
 std::vector<std::string> labels(const std::string& content) {
   std::vector<std::string> out;
-  std::istringstream in(content);
-  std::string line;
-  while (std::getline(in, line)) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    if (line.empty() || line.rfind("   ", 0) == 0) continue;
-    const std::size_t cut = line.find("  ", 1);
-    if (cut != std::string::npos) line.erase(cut);
-    const std::size_t b = line.find_first_not_of(' ');
-    const std::size_t e = line.find_last_not_of(' ');
-    std::string label = line.substr(b, e - b + 1);
-    if (out.empty() || out.back() != label || label == "tr4b =") out.push_back(label);
-  }
+  for (std::string& label : testing::debugLabels(content))
+    if (out.empty() || out.back() != label || label == "tr4b =") out.push_back(std::move(label));
   return out;
 }
 
