@@ -15,6 +15,8 @@ packages=(
   libbenchmark-dev
   libcli11-dev
   nlohmann-json3-dev
+  qt6-base-dev
+  fonts-dejavu-core
 )
 
 missing=()
