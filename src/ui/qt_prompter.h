@@ -1,0 +1,31 @@
+// The workbench's Prompter: every message as a modal message box with the caption, icon and
+// buttons asked for, every file-name request as a file dialog.
+//
+// Message texts carry their own tab runs and carriage returns; they are shown in display form
+// (a line break for each carriage return, one blank for a run of tabs) and stored unchanged.
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+
+#include "numeric/prompter.h"
+
+namespace ovaro::ui {
+
+class QtPrompter final : public Prompter {
+ public:
+  // The owner window of the boxes and dialogs, set once the main window exists.
+  void setOwner(QWidget* owner) { owner_ = owner; }
+
+  Answer show(const Message& message) override;
+  std::optional<std::string> askFileName(const FileRequest& request) override;
+
+ private:
+  QPointer<QWidget> owner_;
+};
+
+// The filter string of a file dialog: "OVARO Files (*.ovi);;All Files (*.*;*)" from the labels.
+// Each label already names its pattern, so the labels alone make the Qt filter.
+QString fileDialogFilter(const FileRequest& request);
+
+}  // namespace ovaro::ui
