@@ -5,13 +5,16 @@
 #include "results/display_selection.h"
 #include "results/results_print.h"
 #include "solve/drivers.h"
+#include "stoch/compare.h"
 
 namespace ovaro {
 
-bool runSolveCommand(Workbench& wb, int method) {
+bool runSolveCommand(Workbench& wb, int method, DebugPage traceVocabulary) {
   wb.shell.methodSelector = method;
   DebugFile* file = wb.debugFile.isOpen() ? &wb.debugFile : nullptr;
-  const SolveTrace trace = qlpSolveTrace(file, wb.debug.switches);
+  const SolveTrace trace = traceVocabulary == DebugPage::QlpOlf
+                               ? qlpSolveTrace(file, wb.debug.switches)
+                               : monteCarloTrace(file, wb.debug.switches);
   const bool qlp = method == kSolveQlp;
   std::optional<Solution> solution = qlp ? solveQlp(wb.model, wb.prompter, trace)
                                          : solveOlf(wb.model, wb.caution, wb.prompter, trace);

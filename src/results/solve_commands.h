@@ -12,6 +12,9 @@ namespace ovaro {
 
 // Runs the solve that `method` names (kSolveQlp or kSolveOlf) and records it as the solve method.
 // True when a solution was made; false when the Model was refused (the reason has been shown).
-bool runSolveCommand(Workbench& wb, int method);
+// `traceVocabulary` names the dialog the debug switches were chosen in: the single-page Debug
+// Print Options (the default) or the five-page sheet, whose boxes name the same dumps in the
+// Monte Carlo vocabulary.
+bool runSolveCommand(Workbench& wb, int method, DebugPage traceVocabulary = DebugPage::QlpOlf);
 
 }  // namespace ovaro

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 
 #include "model/model_file.h"
@@ -70,6 +71,33 @@ TEST(SolveCommands, ARefusedSolveKeepsWhatWasShownAndClosesTheDebugFile) {
   const std::string text = slurp(dir.file("qlp.dbg"));
   EXPECT_EQ(text.rfind("Debug File for QLP ", 0), 0u);
   EXPECT_NE(text.find("resultstransoptdes"), std::string::npos);
+}
+
+// The traced OLF solve of the menu takes its switches from the five-page sheet: a box of the
+// sheet writes its dumps there, while the same box read as a Debug Print Options switch would
+// not, and the other way round.
+TEST(SolveCommands, TracedOlfReadsTheSheetsVocabularyWhenAsked) {
+  RecordingPrompter prompter;
+  NullProgress progress;
+  Workbench wb(prompter, progress);
+  ASSERT_EQ(readModelFile(example("learn1.ovi"), wb.model, prompter), 1);
+  TempDir dir;
+  auto traced = [&](std::optional<DebugSwitch> box, DebugPage vocabulary) {
+    wb.debug.switches.clear();
+    if (box) wb.debug.switches.set(*box);
+    const std::string file = dir.file("olf.dbg");
+    EXPECT_TRUE(wb.debugFile.open(file));
+    EXPECT_TRUE(runSolveCommand(wb, kSolveOlf, vocabulary));
+    return slurp(file);
+  };
+  const std::string sheet = traced(DebugSwitch::IntermediatesGAndG, DebugPage::Summary);
+  const std::string single = traced(DebugSwitch::QlpGAndG, DebugPage::QlpOlf);
+  const std::string mismatched = traced(DebugSwitch::IntermediatesGAndG, DebugPage::QlpOlf);
+  const std::string headingOnly = traced(std::nullopt, DebugPage::Summary);
+  EXPECT_GT(sheet.size(), headingOnly.size());
+  // Both vocabularies name the same dumps for the same box.
+  EXPECT_EQ(sheet, single);
+  EXPECT_EQ(mismatched, headingOnly);
 }
 
 }  // namespace
