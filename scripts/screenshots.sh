@@ -1,0 +1,10 @@
+#!/usr/bin/env bash
+# Renders the workbench's main window, its results windows and each dialog of the shell to PNG
+# files in docs/screenshots (or the directory given), from the current build, without a display.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+out="${1:-docs/screenshots}"
+scripts/bootstrap.sh
+cmake --preset default >/dev/null
+cmake --build --preset default -j "$(nproc 2>/dev/null || echo 2)" --target ovaro-screenshots
+QT_QPA_PLATFORM=offscreen build/default/src/app/ovaro-screenshots "$out" examples
