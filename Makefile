@@ -1,18 +1,27 @@
 # Two commands for a fresh Debian machine:
-#   make run    install what is missing, build, and solve the default example model by QLP
+#   make run    install what is missing, build, and open the workbench on the default example
+#               (without a display: solve it by QLP in the batch tool)
 #   make test   install what is missing, build, and run every test (plain, sanitizer, fuzz)
 MAKEFLAGS += --no-print-directory
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 FUZZ_SECONDS ?= 60
 DEFAULT_EXAMPLE ?= examples/track1.ovi
 CLI = build/default/src/app/ovaro-cli
+GUI = build/default/src/app/ovaro
 
-.PHONY: run test bootstrap build test-default test-asan fuzz bench clean
+.PHONY: run test bootstrap build test-default test-asan fuzz bench screenshots clean
 
+# With a display, the workbench opens on the default example; without one (a plain terminal, CI),
+# the batch tool solves it by QLP and prints the table.
 run: bootstrap
 	@cmake --preset default >/dev/null
-	@cmake --build --preset default -j $(JOBS) --target ovaro-cli
-	@$(CLI) solve $(DEFAULT_EXAMPLE) --method qlp --desired --format 778
+	@if [ -n "$${DISPLAY:-}$${WAYLAND_DISPLAY:-}" ]; then \
+	  cmake --build --preset default -j $(JOBS) --target ovaro && \
+	  $(GUI) $(DEFAULT_EXAMPLE); \
+	else \
+	  cmake --build --preset default -j $(JOBS) --target ovaro-cli && \
+	  $(CLI) solve $(DEFAULT_EXAMPLE) --method qlp --desired --format 778; \
+	fi
 
 bootstrap:
 	@scripts/bootstrap.sh
@@ -44,6 +53,9 @@ fuzz: bootstrap
 bench: bootstrap
 	@cmake --preset bench >/dev/null
 	@cmake --build --preset bench -j $(JOBS)
+
+screenshots:
+	@scripts/screenshots.sh
 
 clean:
 	rm -rf build
