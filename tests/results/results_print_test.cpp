@@ -6,6 +6,7 @@
 #include <string>
 
 #include "support/model_fixtures.h"
+#include "support/solution_fixtures.h"
 #include "support/temp_dir.h"
 
 namespace ovaro {
@@ -13,15 +14,7 @@ namespace {
 
 // One state and one control over periods 0..2: x = 1, 2, 3 toward 4; u = 5, 6 toward 7.
 Solution tinySolution() {
-  Solution s;
-  s.method = "QLP";
-  s.n = 1;
-  s.m = 1;
-  s.nt = 2;
-  s.xs = mat2(1, 1, 0, 2);
-  s.xtws = mat2(1, 1, 0, 2);
-  s.us = mat2(1, 1, 0, 1);
-  s.utws = mat2(1, 1, 0, 1);
+  Solution s = testing::zeroSolution("QLP", 1, 1, 2);
   for (int t = 0; t <= 2; ++t) {
     s.xs(1, t) = t + 1;
     s.xtws(1, t) = 4;

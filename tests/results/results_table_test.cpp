@@ -11,6 +11,7 @@
 #include "io/number_format.h"
 #include "model/options.h"
 #include "support/model_fixtures.h"
+#include "support/solution_fixtures.h"
 
 namespace ovaro {
 namespace {
@@ -42,15 +43,8 @@ Model tableModel(int n, int m, int np, int first, int last, int policy = opt::kP
 StoredResult makeResult(std::string method, int n, int m, int np, int T, double sign,
                         bool withParameters = true) {
   StoredResult r;
+  r.solution = testing::zeroSolution(std::move(method), n, m, T);
   Solution& s = r.solution;
-  s.method = std::move(method);
-  s.n = n;
-  s.m = m;
-  s.nt = T;
-  s.xs = mat2(1, n, 0, T);
-  s.xtws = mat2(1, n, 0, T);
-  s.us = mat2(1, m, 0, T - 1);
-  s.utws = mat2(1, m, 0, T - 1);
   for (int t = 0; t <= T; ++t) {
     for (int i = 1; i <= n; ++i) {
       s.xs(i, t) = sign * (100 * i + t) + 0.25;

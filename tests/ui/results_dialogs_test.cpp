@@ -13,6 +13,7 @@
 
 #include "results/results_table.h"
 #include "support/model_fixtures.h"
+#include "support/solution_fixtures.h"
 #include "ui/qt_app.h"
 
 namespace ovaro::ui {
@@ -212,15 +213,8 @@ TEST(ResultsPreferences, Format790ChosenBeforeCancelReachesTheNextTable) {
   const Model model = testing::makeModel(shape);
   ResultsStore store;
   StoredResult r;
+  r.solution = testing::zeroSolution("QLP", 1, 1, 2);
   Solution& s = r.solution;
-  s.method = "QLP";
-  s.n = 1;
-  s.m = 1;
-  s.nt = 2;
-  s.xs = mat2(1, 1, 0, 2);
-  s.xtws = mat2(1, 1, 0, 2);
-  s.us = mat2(1, 1, 0, 1);
-  s.utws = mat2(1, 1, 0, 1);
   s.xs(1, 0) = 100.25;
   s.criterion = -0.5;
   store.store(std::move(r));

@@ -19,6 +19,7 @@
 #include "model/options.h"
 #include "results/results_table.h"
 #include "support/model_fixtures.h"
+#include "support/solution_fixtures.h"
 #include "ui/qt_app.h"
 
 namespace ovaro::ui {
@@ -49,15 +50,8 @@ Model viewModel(int n, int m, int first, int last) {
 // sign 4321.
 StoredResult solved(std::string method, int n, int m, int T, double sign) {
   StoredResult r;
+  r.solution = testing::zeroSolution(std::move(method), n, m, T);
   Solution& s = r.solution;
-  s.method = std::move(method);
-  s.n = n;
-  s.m = m;
-  s.nt = T;
-  s.xs = mat2(1, n, 0, T);
-  s.xtws = mat2(1, n, 0, T);
-  s.us = mat2(1, m, 0, T - 1);
-  s.utws = mat2(1, m, 0, T - 1);
   for (int t = 0; t <= T; ++t) {
     for (int i = 1; i <= n; ++i) {
       s.xs(i, t) = sign * (100 * i + t);
