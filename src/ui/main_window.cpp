@@ -26,6 +26,7 @@
 #include "results/results_table.h"
 #include "results/solve_commands.h"
 #include "results/stochastic_commands.h"
+#include "ui/description_dialog.h"
 #include "ui/menu_table.h"
 #include "ui/option_dialogs.h"
 #include "ui/qt_prompter.h"
@@ -302,9 +303,10 @@ void MainWindow::registerCommands() {
   on(cmd::kDelete, [this] { textArea_->textCursor().removeSelectedText(); });
   on(cmd::kSelectAll, [this] { textArea_->selectAll(); });
   // Specification and Data: the data-entry dialogs and windows.
-  for (int id : {cmd::kSpecName, cmd::kSpecDescription, cmd::kSpecStochastic, cmd::kSpecForms,
-                 cmd::kSpecRandomSource, cmd::kSpecMonteCarlo, cmd::kDataSize, cmd::kDataAcronyms,
-                 cmd::kDataCriterion, cmd::kDataHcfr}) {
+  on(cmd::kSpecDescription, [this] { openDescription(); });
+  for (int id : {cmd::kSpecName, cmd::kSpecStochastic, cmd::kSpecForms, cmd::kSpecRandomSource,
+                 cmd::kSpecMonteCarlo, cmd::kDataSize, cmd::kDataAcronyms, cmd::kDataCriterion,
+                 cmd::kDataHcfr}) {
     unavailable(id);
   }
   on(cmd::kDataSystem, [this] { dataSystemEquations(); });
@@ -475,9 +477,15 @@ void MainWindow::loadExample(int id) {
     // the file last opened, or asks for a name.
     setWindowTitle(QString::fromStdString(captionText(entry->fileName)));
     prompter_.inform(std::string(entry->description), "Model Loaded");
+    openDescription();
   } else {
     showFileMessage(kExampleFailure, std::string(entry->fileName));
   }
+}
+
+void MainWindow::openDescription() {
+  DescriptionDialog dialog(wb_.model.description, prompter_, this);
+  runDialog(dialog);
 }
 
 // ---- Data ----

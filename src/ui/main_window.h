@@ -98,6 +98,7 @@ class MainWindow : public QMainWindow {
   void clearModel();
   void exitProgram();
   void loadExample(int id);
+  void openDescription();
   // Data: the checks that come before each data-entry dialog.
   void dataSystemEquations();
   void dataStochastic(int id);

@@ -328,6 +328,7 @@ TEST(MainWindowFile, TitleThroughOpenSaveAsClearAndExamples) {
   h.window->dispatch(defaultExample().commandId);
   EXPECT_EQ(h.title(), "Ovaro - track1.ovi");
   std::filesystem::current_path(cwd);
+  EXPECT_EQ(h.dialogs.back(), "DescWin");  // the loaded model's description opens
   EXPECT_EQ(h.window->shellState().fileName, copy);
   ASSERT_EQ(h.prompter.messages().size(), 1u);
   EXPECT_EQ(h.prompter.messages()[0].text, defaultExample().description);
