@@ -9,6 +9,10 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
+#include <array>
+
 #include <QAbstractButton>
 #include <QButtonGroup>
 #include <QDialogButtonBox>
@@ -415,36 +419,20 @@ TEST(CautionDialog, OkConvertsEveryFieldLikeTheWorkbenchAndCancelChangesNothing)
     EXPECT_EQ(caution.value, 0.1);
     EXPECT_EQ(caution.period, 5);
   }
-  {
+  // Each field converted as the workbench converts text: its leading number, else 0.
+  auto okWith = [&](std::array<const char*, 5> texts) {
     CautionDialog dialog(caution);
     dialog.show();
-    type(dialog.onEdit(), "1");
-    type(dialog.rowEdit(), " 4");
-    type(dialog.columnEdit(), "1x");
-    type(dialog.valueEdit(), "-2.5E-3");
-    type(dialog.periodEdit(), "12.9");
+    type(dialog.onEdit(), texts[0]);
+    type(dialog.rowEdit(), texts[1]);
+    type(dialog.columnEdit(), texts[2]);
+    type(dialog.valueEdit(), texts[3]);
+    type(dialog.periodEdit(), texts[4]);
     pressOk(dialog);
-    EXPECT_EQ(caution.on, 1);
-    EXPECT_EQ(caution.row, 4);
-    EXPECT_EQ(caution.column, 1);
-    EXPECT_EQ(caution.value, -0.0025);
-    EXPECT_EQ(caution.period, 12);
-  }
-  {
-    CautionDialog dialog(caution);
-    dialog.show();
-    type(dialog.onEdit(), "on");
-    type(dialog.rowEdit(), "");
-    type(dialog.columnEdit(), "-");
-    type(dialog.valueEdit(), "big");
-    type(dialog.periodEdit(), "t=3");
-    pressOk(dialog);
-    EXPECT_EQ(caution.on, 0);
-    EXPECT_EQ(caution.row, 0);
-    EXPECT_EQ(caution.column, 0);
-    EXPECT_EQ(caution.value, 0.0);
-    EXPECT_EQ(caution.period, 0);
-  }
+    return std::tuple(caution.on, caution.row, caution.column, caution.value, caution.period);
+  };
+  EXPECT_EQ(okWith({"1", " 4", "1x", "-2.5E-3", "12.9"}), std::tuple(1, 4, 1, -0.0025, 12));
+  EXPECT_EQ(okWith({"on", "", "-", "big", "t=3"}), std::tuple(0, 0, 0, 0.0, 0));
 }
 
 TEST(ImportColumnsDialog, OkStoresAPositiveCountAndKeepsTheOldOneOtherwise) {
