@@ -16,6 +16,7 @@ packages=(
   libcli11-dev
   nlohmann-json3-dev
   qt6-base-dev
+  qt6-svg-dev
   fonts-dejavu-core
 )
 

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "app/cli_plot.h"
 #include "app/model_report.h"
 #include "io/debug_options.h"
 #include "io/number_format.h"
@@ -356,6 +357,7 @@ int compare(const MonteCarloOptions& o, bool tty, std::ostream& out, std::ostrea
     j["criteria"] = criteria;
     j["average_criterion"] = avg;
     j["lowest_counts"] = counts;
+    j["criterion_summary"] = criterionSummaryJson(summarizeCriteria(r.mcResults, methods));
     j["messages"] = messagesJson(prompter.messages());
     out << dumpJson(j);
     return kExitOk;
@@ -496,6 +498,8 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
           ->check(CLI::IsMember(formatIds));
   }
 
+  const std::unique_ptr<PlotCommand> plotOptions = addPlotCommand(app);
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp&) {
@@ -513,6 +517,7 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
   if (infoCmd->parsed()) return info(infoOptions, out, err);
   if (convertCmd->parsed()) return convert(convertOptions, err);
   if (solveCmd->parsed()) return solve(solveOptions, out, err);
+  if (plotOptions->command->parsed()) return runPlotCommand(*plotOptions, out, err);
   const bool tty = &err == &std::cerr && isatty(STDERR_FILENO);
   if (compareCmd->parsed()) return compare(compareOptions, tty, out, err);
   if (updatingCmd->parsed()) return updating(updatingOptions, tty, out, err);

@@ -32,6 +32,7 @@ void ResultsStore::clear() {
   for (std::optional<StoredResult>& slot : results_) slot.reset();
   ran = RunFlags{};
   statistics.clear();
+  comparison.reset();
 }
 
 }  // namespace ovaro

@@ -17,6 +17,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "numeric/arrays.h"
 #include "solve/solution.h"
@@ -46,6 +47,21 @@ struct ParameterPaths {
 struct StoredResult {
   Solution solution;
   std::optional<ParameterPaths> parameters;
+};
+
+// What the last comparison kept of every run, per Compare method (in the order of
+// kCompareMethods; arrays of the methods that did not run stay empty): the true state paths
+// (n x 0..T x runs 1..N) and control paths (m x 0..T-1 x runs), the criterion of every run, and
+// the desired paths that all runs tracked. The spread over runs and the criterion summary are
+// computed from these.
+struct ComparisonRuns {
+  int runs = 0;
+  int n = 0, m = 0, nt = 0;  // nt: the last period T
+  std::array<bool, 5> selected{};
+  std::array<Mat3, 5> xs;
+  std::array<Mat3, 5> us;
+  std::vector<std::array<double, 5>> criteria;  // by run, then method
+  Mat xtws, utws;
 };
 
 // Which solves have run, as the display selection after a solve reads them.
@@ -84,6 +100,8 @@ class ResultsStore {
   // The statistics of the last Monte Carlo comparison over its runs, by name ("AvgXsCe",
   // "VarAvgUsOlf", "thetamean", ...).
   std::map<std::string, Mat> statistics;
+  // Every run of the last comparison; absent until one has run.
+  std::optional<ComparisonRuns> comparison;
 
  private:
   std::array<std::optional<StoredResult>, kResultMethods.size()> results_;

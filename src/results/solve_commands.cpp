@@ -4,6 +4,7 @@
 
 #include "results/display_selection.h"
 #include "results/results_print.h"
+#include "results/scenario_commands.h"
 #include "solve/drivers.h"
 #include "stoch/compare.h"
 
@@ -27,6 +28,7 @@ bool runSolveCommand(Workbench& wb, int method, DebugPage traceVocabulary) {
     wb.results.ran.olfWithoutUpdate = !qlp;
     wb.results.store(StoredResult{std::move(*solution), std::nullopt});
     SelectDisplayAfterSolve(wb.results, wb.prompter);
+    storeScenarioAfterSolve(wb, wb.results.find(qlp ? "QLP" : "OLFwo")->solution, false);
   }
   wb.debugFile.close();
   return solution.has_value();

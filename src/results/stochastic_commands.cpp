@@ -1,6 +1,7 @@
 #include "results/stochastic_commands.h"
 
 #include "results/display_selection.h"
+#include "results/scenario_commands.h"
 
 namespace ovaro {
 
@@ -21,6 +22,22 @@ StoredResult storedRun(const char* method, int n, int m, int nt, const Mat& xs, 
   s.utws = utws;
   s.criterion = criterion;
   return stored;
+}
+
+// What the comparison kept of every run, for the spread over runs and the criterion summary.
+ComparisonRuns comparisonRuns(const CompareResult& r) {
+  ComparisonRuns runs;
+  runs.runs = r.runs;
+  runs.n = r.n;
+  runs.m = r.m;
+  runs.nt = r.nt;
+  runs.selected = r.selected;
+  runs.xs = r.runXs;
+  runs.us = r.runUs;
+  runs.criteria = r.mcResults;
+  runs.xtws = r.xtws;
+  runs.utws = r.utws;
+  return runs;
 }
 
 }  // namespace
@@ -50,7 +67,15 @@ CompareResult runCompareCommand(Workbench& wb, const MethodSelection& methods,
       wb.results.store(std::move(stored));
     }
     wb.results.statistics = result.statistics;
+    wb.results.comparison = comparisonRuns(result);
     SelectDisplayAfterSolve(wb.results, wb.prompter);
+    // The scenario is the first compared method's last run, the solution the table shows first.
+    for (int k = 0; k < kMethodCount; ++k) {
+      if (!methods[static_cast<std::size_t>(k)]) continue;
+      storeScenarioAfterSolve(
+          wb, wb.results.find(kMethodNames[static_cast<std::size_t>(k)])->solution, true);
+      break;
+    }
   }
   wb.debugFile.close();
   return result;

@@ -6,10 +6,9 @@
 // Progress for long work). They live together here, passed explicitly to whatever needs them,
 // never in globals: two workbenches in one process do not see each other.
 //
-// (The scenario store and the random-generator state join this record as the solvers that fill
-// them arrive.)
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "io/debug_file.h"
@@ -17,7 +16,9 @@
 #include "model/model.h"
 #include "numeric/progress.h"
 #include "numeric/prompter.h"
+#include "results/plot_series.h"
 #include "results/results_store.h"
+#include "results/scenario_store.h"
 #include "solve/olf.h"
 #include "stoch/random_terms.h"
 #include "stoch/updating.h"
@@ -76,6 +77,15 @@ class Workbench {
   // The choice of "Methods for Stochastic w/o Updating". (The Compare method choice is the
   // results store's run flags.)
   UpdatingMethods updatingMethods;
+
+  // The scenarios stored for the scenario plot, and the choices of the two plot dialogs, kept
+  // from one plot to the next.
+  ScenarioStore scenarios;
+  PlotChoices plotChoices;
+  ScenarioPlotChoices scenarioPlotChoices;
+  // Names a new scenario, given the method that made it (the workbench asks in the "Scenario
+  // Acryonm and Description" dialog). When unset a scenario is named after its method.
+  std::function<ScenarioName(const std::string& method)> nameScenario;
 
   DebugPrintSettings debug;
   DebugFile debugFile{&resultsFormat};

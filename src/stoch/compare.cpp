@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <string>
+#include <utility>
 
 #include "model/options.h"
 #include "numeric/matrix_ops.h"
@@ -582,6 +583,8 @@ CompareResult maincompare(const Model& model, const CompareSettings& settings, R
     pathStatistics(result, paths, s.crit.xtws, s.crit.utws, settings.debug.switches, file);
     if (generate) randomDrawCheck(result, acc, terms, trace);
   }
+  result.runXs = std::move(paths.xs);
+  result.runUs = std::move(paths.us);
   return result;
 }
 

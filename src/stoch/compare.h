@@ -59,6 +59,9 @@ struct CompareResult {
   std::array<unsigned, kMethodCount> lowestCounts{};
   std::array<RunPaths, kMethodCount> lastRun;  // the paths of the last run of each method
   Mat xtws, utws;                              // the desired paths
+  // The true paths of every run, per method: xs(i, t, run) and us(j, t, run).
+  std::array<Mat3, kMethodCount> runXs;
+  std::array<Mat3, kMethodCount> runUs;
   // Named statistics of the paths over the runs ("AvgXsCe", "VarAvgUsOlf", "thetamean", ...).
   std::map<std::string, Mat> statistics;
 };

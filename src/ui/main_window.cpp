@@ -29,6 +29,7 @@
 #include "ui/description_dialog.h"
 #include "ui/menu_table.h"
 #include "ui/option_dialogs.h"
+#include "ui/plots/plot_commands.h"
 #include "ui/qt_prompter.h"
 #include "ui/results_dialogs.h"
 #include "ui/results_view.h"
@@ -332,8 +333,17 @@ void MainWindow::registerCommands() {
     on(id, [this] { prompter_.inform(kNotSupportedYet, "Ovaro"); });
   }
   // Results
-  unavailable(cmd::kPlotSingle);
-  unavailable(cmd::kPlotScenarios);
+  auto plotHost = [this] {
+    return PlotHost(
+        wb_, [this](QDialog& d) { return runDialog(d); }, this);
+  };
+  on(cmd::kPlotSingle, [plotHost] { runSingleRunPlots(plotHost()); });
+  on(cmd::kPlotScenarios, [plotHost] { runScenarioPlots(plotHost()); });
+  on(cmd::kPlotSpread, [plotHost] { runSpreadPlot(plotHost()); });
+  on(cmd::kCriterionSummary, [plotHost] { showCriterionSummary(plotHost()); });
+  wb_.nameScenario = [plotHost](const std::string& method) {
+    return askScenarioName(plotHost(), method);
+  };
   on(cmd::kDisplay, [this] { displayOptions(); });
   on(cmd::kResultsPrint, [this] {
     prompter_.inform(
@@ -571,12 +581,18 @@ void MainWindow::compare(bool traced) {
     DebugPrintSheet dialog(wb_.debug, this);
     runDialog(dialog);
   }
+  bool ran = false;
   {
     WaitCursor wait;
     const MethodSelection chosen = wb_.results.ran.compare;
-    runCompareCommand(wb_, chosen);
+    const CompareResult result = runCompareCommand(wb_, chosen);
+    ran = result.status == 1 && result.runs > 0;
   }
   showResults();
+  // The summary of the runs' criteria stands beside the results of a comparison that ran.
+  if (ran)
+    showCriterionSummary(PlotHost(
+        wb_, [this](QDialog& d) { return runDialog(d); }, this));
 }
 
 void MainWindow::updating(bool traced) {

@@ -109,7 +109,9 @@ std::vector<MenuNode> buildMenu() {
   bar.push_back(menu(
       "&Results",
       {item(cmd::kPlotSingle, "Plot: Single Run"), item(cmd::kPlotScenarios, "Plot: Scenarios"),
-       separator(), item(cmd::kDisplay, "Display"), item(cmd::kResultsPrint, "Print")}));
+       item(cmd::kPlotSpread, "Plot: Spread over Runs"),
+       item(cmd::kCriterionSummary, "Criterion Summary"), separator(),
+       item(cmd::kDisplay, "Display"), item(cmd::kResultsPrint, "Print")}));
   bar.push_back(menu("&Transformations", {heading(cmd::kTransFormHeading, "Functional Form"),
                                           item(86, "W - Constant to Terminal Different"),
                                           item(88, "W - Constant to Time Varying"),

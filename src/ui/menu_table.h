@@ -35,6 +35,8 @@ inline constexpr int kUpdatingHeading = 205, kUpdDeterministic = 140, kUpdStochW
 inline constexpr int kUpdPrintHeading = 210, kUpdPrintDeterministic = 145, kUpdPrintStochWo = 146,
                      kUpdPrintStochWith = 147, kUpdPrintMeasError = 148;
 inline constexpr int kPlotSingle = 150, kPlotScenarios = 154, kDisplay = 156, kResultsPrint = 158;
+// The spread over the runs of a comparison and its criterion summary.
+inline constexpr int kPlotSpread = 4100, kCriterionSummary = 4104;
 inline constexpr int kTransFormHeading = 224, kTransStochHeading = 225, kTransSizeHeading = 226;
 inline constexpr int kPrefResults = 167, kPrefImportColumns = 2900, kPrefScenarioQuestion = 2916,
                      kPrefDebugImported = 2908, kPrefWarnings = 168, kPrefCaution = 169,

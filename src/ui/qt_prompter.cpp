@@ -56,6 +56,7 @@ Answer QtPrompter::show(const Message& message) {
       break;
   }
   box.setDefaultButton(boxButton(message.defaultAnswer));
+  if (windowModal_ && owner_) box.setWindowModality(Qt::WindowModal);
   switch (box.exec()) {
     case QMessageBox::Yes:
       return Answer::Yes;

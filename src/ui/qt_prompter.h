@@ -16,12 +16,16 @@ class QtPrompter final : public Prompter {
  public:
   // The owner window of the boxes and dialogs, set once the main window exists.
   void setOwner(QWidget* owner) { owner_ = owner; }
+  // While set, message boxes block only their owner window, so that a window of its own (a plot
+  // window) stays usable while a message is up.
+  void setWindowModal(bool on) { windowModal_ = on; }
 
   Answer show(const Message& message) override;
   std::optional<std::string> askFileName(const FileRequest& request) override;
 
  private:
   QPointer<QWidget> owner_;
+  bool windowModal_ = false;
 };
 
 // The filter string of a file dialog: "OVARO Files (*.ovi);;All Files (*.*;*)" from the labels.

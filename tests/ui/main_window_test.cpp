@@ -138,6 +138,8 @@ const std::vector<std::pair<int, std::string>> kCommands = {
     {148, "   Stochastic with Meas Error"},
     {150, "Plot: Single Run"},
     {154, "Plot: Scenarios"},
+    {4100, "Plot: Spread over Runs"},
+    {4104, "Criterion Summary"},
     {156, "Display"},
     {158, "Print"},
     {224, "Functional Form"},
