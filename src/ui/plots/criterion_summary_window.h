@@ -14,6 +14,7 @@ class QTableWidget;
 namespace ovaro::ui {
 
 class CriterionSummaryWindow final : public QWidget {
+  Q_OBJECT
  public:
   explicit CriterionSummaryWindow(QWidget* parent = nullptr);
 

@@ -24,6 +24,7 @@ class QPushButton;
 namespace ovaro::ui {
 
 class PlotsDialog final : public QDialog {
+  Q_OBJECT
  public:
   PlotsDialog(PlotChoices& choices, const Model& model, QWidget* parent = nullptr);
 
@@ -49,6 +50,7 @@ class PlotsDialog final : public QDialog {
 };
 
 class ScenarioPlotsDialog final : public QDialog {
+  Q_OBJECT
  public:
   ScenarioPlotsDialog(ScenarioPlotChoices& choices, const ScenarioStore& store, const Model& model,
                       QWidget* parent = nullptr);
@@ -80,6 +82,7 @@ class ScenarioPlotsDialog final : public QDialog {
 // the acronym proposed from the method that made the solution. OK writes both into `name`;
 // Cancel leaves it as it was.
 class ScenarioNameDialog final : public QDialog {
+  Q_OBJECT
  public:
   ScenarioNameDialog(ScenarioName& name, QWidget* parent = nullptr);
   QLineEdit* acronymField() const { return acronym_; }
@@ -94,6 +97,7 @@ class ScenarioNameDialog final : public QDialog {
 
 // "Spread over Runs": a state or a control, and which one.
 class SpreadDialog final : public QDialog {
+  Q_OBJECT
  public:
   // `states` and `variable` are written at once, as they are clicked.
   SpreadDialog(bool& states, int& variable, const Model& model, QWidget* parent = nullptr);

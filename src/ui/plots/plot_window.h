@@ -28,6 +28,7 @@ class PlotCanvas final : public QWidget {
 };
 
 class PlotWindow final : public QMainWindow {
+  Q_OBJECT
  public:
   // `className` names the window ("PlotWin", "PlotWinSce", ...); file names and failures go
   // through `prompter`, which must outlive the window.

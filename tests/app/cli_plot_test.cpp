@@ -1,0 +1,113 @@
+// ovaro-cli plot and the criterion summary of compare --json.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "support/run_cli.h"
+
+namespace ovaro {
+namespace {
+
+using nlohmann::json;
+using testing::example;
+using testing::runCli;
+
+std::string printed(const char* format, double v) {
+  char buf[64];
+  std::snprintf(buf, sizeof buf, format, v);
+  return buf;
+}
+
+// The data of a QLP plot, checked against the series it prints: extremes, midpoint, labels and
+// every point position worked out here from the values.
+TEST(CliPlot, JsonGivesTheScalingLabelsAndPositionsOfItsSeries) {
+  const auto r = runCli({"plot", example("track1.ovi"), "--method", "qlp", "--kind", "states",
+                         "--variable", "1", "--path", "opt-des", "--json"});
+  ASSERT_EQ(r.code, 0) << r.err;
+  const json j = json::parse(r.out);
+  ASSERT_EQ(j["series"].size(), 2u);
+  EXPECT_EQ(j["series"][0]["legend"], "Opt");
+  EXPECT_EQ(j["series"][1]["legend"], "Des");
+  double lo = HUGE_VAL, hi = -HUGE_VAL;
+  for (const auto& s : j["series"])
+    for (double v : s["values"]) lo = std::min(lo, v), hi = std::max(hi, v);
+  EXPECT_EQ(j["min"], lo);
+  EXPECT_EQ(j["max"], hi);
+  EXPECT_EQ(j["mid"], (hi + lo) / 2.0);
+  // The output gap starts at -2 and ends near 0.3: a midpoint between -1 and -0.001, which
+  // takes the factor 1000.
+  EXPECT_EQ(j["scale"], 1000);
+  EXPECT_EQ(j["axis_label"], "YGAP x 1000.000");
+  EXPECT_EQ(j["value_labels"][0], printed("%10.3f", lo * 1000));
+  EXPECT_EQ(j["value_labels"][2], printed("%10.3f", (lo + 0.5 * (hi - lo)) * 1000));
+  const int points = j["points"];
+  EXPECT_EQ(points, 10);
+  for (std::size_t k = 0; k < 2; ++k) {
+    const auto& s = j["series"][k];
+    for (int t = 0; t < points; ++t) {
+      const double v = s["values"][t];
+      const json expected = {static_cast<int>(t * 8000.0 / (points - 1)),
+                             static_cast<int>((v - lo) / (hi - lo) * 8000)};
+      EXPECT_EQ(j["polylines"][k][t], expected) << k << " " << t;
+    }
+  }
+  EXPECT_EQ(j["period_labels"].size(), 9u);  // periods 0..P-2
+}
+
+TEST(CliPlot, RefusesWhatNoPlotShows) {
+  const std::vector<std::vector<std::string>> bad = {
+      {"--method", "hcfr,cewo", "--kind", "states", "--variable", "1", "--path", "opt"},
+      {"--method", "qlp", "--kind", "parameters", "--variable", "1", "--path", "opt"},
+      {"--method", "qlp", "--kind", "states", "--variable", "9", "--path", "opt"},
+      {"--method", "qlp", "--kind", "states", "--variable", "1", "--bands"}};
+  for (std::vector<std::string> args : bad) {
+    args.insert(args.begin(), {"plot", example("learn1.ovi")});
+    const auto r = runCli(args);
+    EXPECT_EQ(r.code, 2) << args[3];
+    EXPECT_NE(r.err.find("ovaro-cli: "), std::string::npos);
+  }
+}
+
+TEST(CliPlot, BandsHoldTheMedianBetweenTheirQuantiles) {
+  const auto r = runCli({"plot", example("learn1.ovi"), "--method", "ce,olf", "--kind", "controls",
+                         "--variable", "1", "--bands", "--runs", "12", "--json"});
+  ASSERT_EQ(r.code, 0) << r.err;
+  const json j = json::parse(r.out);
+  EXPECT_EQ(j["runs"], 12);
+  ASSERT_EQ(j["bands"].size(), 2u);
+  for (const auto& b : j["bands"])
+    for (std::size_t t = 0; t < b["median"].size(); ++t) {
+      EXPECT_LE(b["q10"][t].get<double>(), b["median"][t].get<double>());
+      EXPECT_LE(b["median"][t].get<double>(), b["q90"][t].get<double>());
+    }
+}
+
+// The summary agrees with the run criteria printed beside it.
+TEST(CliPlot, CompareSummaryPairsTheRunCriteria) {
+  const auto r =
+      runCli({"compare", example("learn1.ovi"), "--methods", "ce,olf", "--runs", "8", "--json"});
+  ASSERT_EQ(r.code, 0) << r.err;
+  const json j = json::parse(r.out);
+  const std::vector<double> ce = j["criteria"]["CE"], olf = j["criteria"]["OLF"];
+  double mean = 0, ss = 0;
+  for (std::size_t i = 0; i < ce.size(); ++i) mean += (ce[i] - olf[i]) / 8;
+  for (std::size_t i = 0; i < ce.size(); ++i) ss += std::pow(ce[i] - olf[i] - mean, 2);
+  const json& pair = j["criterion_summary"]["pairs"][0];
+  EXPECT_EQ(pair["first"], "CE");
+  EXPECT_NEAR(pair["mean_difference"].get<double>(), mean, 1e-12);
+  EXPECT_NEAR(pair["standard_error"].get<double>(), std::sqrt(ss / 7 / 8), 1e-12);
+  const double half = 2.365 * std::sqrt(ss / 7 / 8);  // t(0.975, 7) = 2.365
+  EXPECT_NEAR(pair["ci95"][1].get<double>() - mean, half, 1e-3 * half);
+  std::vector<double> sorted = olf;
+  std::sort(sorted.begin(), sorted.end());
+  EXPECT_DOUBLE_EQ(j["criterion_summary"]["methods"]["OLF"]["median"].get<double>(),
+                   (sorted[3] + sorted[4]) / 2);
+}
+
+}  // namespace
+}  // namespace ovaro
