@@ -17,6 +17,7 @@ QTableWidget* table(const QStringList& headings, QWidget* parent) {
   t->verticalHeader()->hide();
   t->setEditTriggers(QAbstractItemView::NoEditTriggers);
   t->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  t->horizontalHeader()->setStretchLastSection(true);
   return t;
 }
 
