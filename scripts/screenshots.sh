@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Renders the workbench's main window, its results windows, each dialog of the shell and the plot
-# windows (a single run, two scenarios, the spread over runs) to PNG files in docs/screenshots (or the directory given), from the current build, without a display.
+# windows (a single run, two scenarios, the spread over runs) to PNG files in docs/screenshots
+# (or the directory given), from the current build, without a display.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 out="${1:-docs/screenshots}"
