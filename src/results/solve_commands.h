@@ -11,6 +11,7 @@
 namespace ovaro {
 
 // Runs the solve that `method` names (kSolveQlp or kSolveOlf) and records it as the solve method.
+// A solution is also stored as the next scenario when the user asks for scenarios.
 // True when a solution was made; false when the Model was refused (the reason has been shown).
 // `traceVocabulary` names the dialog the debug switches were chosen in: the single-page Debug
 // Print Options (the default) or the five-page sheet, whose boxes name the same dumps in the

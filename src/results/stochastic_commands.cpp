@@ -1,5 +1,7 @@
 #include "results/stochastic_commands.h"
 
+#include <utility>
+
 #include "results/display_selection.h"
 #include "results/scenario_commands.h"
 
@@ -25,15 +27,16 @@ StoredResult storedRun(const char* method, int n, int m, int nt, const Mat& xs, 
 }
 
 // What the comparison kept of every run, for the spread over runs and the criterion summary.
-ComparisonRuns comparisonRuns(const CompareResult& r) {
+// The run paths are moved, not copied: they are the largest arrays a comparison makes.
+ComparisonRuns comparisonRuns(CompareResult& r) {
   ComparisonRuns runs;
   runs.runs = r.runs;
   runs.n = r.n;
   runs.m = r.m;
   runs.nt = r.nt;
   runs.selected = r.selected;
-  runs.xs = r.runXs;
-  runs.us = r.runUs;
+  runs.xs = std::move(r.runXs);
+  runs.us = std::move(r.runUs);
   runs.criteria = r.mcResults;
   runs.xtws = r.xtws;
   runs.utws = r.utws;

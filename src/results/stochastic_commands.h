@@ -13,8 +13,10 @@ namespace ovaro {
 
 // Runs the comparison of the chosen methods (the choice is kept as the Compare run flags).
 // `runs` overrides the Model's run count. The open debug file, if any, is written and closed.
-// Each selected method's last run is stored under its name with its parameter paths, and the
-// display is chosen for the methods that ran.
+// Each selected method's last run is stored under its name with its parameter paths, every run's
+// paths and criteria are kept as the store's comparison (the run paths move there: the returned
+// result no longer holds them), the display is chosen for the methods that ran, and the first
+// compared method's last run becomes a scenario when the user asks for scenarios.
 CompareResult runCompareCommand(Workbench& wb, const MethodSelection& methods,
                                 std::optional<int> runs = std::nullopt);
 

@@ -6,10 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "model/model_file.h"
 #include "results/plot_layout.h"
 #include "results/plot_series.h"
 #include "results/run_statistics.h"
+#include "results/scenario_commands.h"
 #include "results/scenario_store.h"
+#include "results/stochastic_commands.h"
 #include "support/debug_labels.h"
 #include "support/solution_fixtures.h"
 #include "support/temp_dir.h"
@@ -199,6 +202,27 @@ TEST(ScenarioStore, ChoicesCountConsecutivelyAndMultiDesiredDoubles) {
   EXPECT_EQ(withDes.back().values, (std::vector<double>{1.5, 1.5, 1.5}));
   c.kind = kScenarioParameters;
   EXPECT_TRUE(gatherScenarioSeries(store, c).empty());
+}
+
+// After a comparison the user is told first; the scenario is the first compared method's run.
+TEST(ScenarioStore, AComparisonTellsThenStoresItsFirstMethod) {
+  RecordingPrompter prompter;
+  NullProgress progress;
+  Workbench wb(prompter, progress);
+  ASSERT_EQ(readModelFile(OVARO_SOURCE_DIR "/examples/learn1.ovi", wb.model, prompter), 1);
+  wb.shell.askScenarioQuestion = 1;
+  std::vector<std::string> asked;
+  wb.nameScenario = [&](const std::string& method) {
+    asked.push_back(method);
+    return ScenarioName{"RUN", "last run"};
+  };
+  runCompareCommand(wb, {false, true, false, true, false}, 3);
+  EXPECT_EQ(prompter.messages().back().text, kScenarioStoredMessage);
+  EXPECT_EQ(prompter.messages().back().caption, "Scenario");
+  EXPECT_EQ(asked, (std::vector<std::string>{"CE"}));
+  ASSERT_EQ(wb.scenarios.count, 1);
+  EXPECT_EQ(wb.scenarios.xs(1, 2, 1), wb.results.find("CE")->solution.xs(1, 2));
+  EXPECT_EQ(wb.results.comparison->runs, 3);
 }
 
 TEST(RunStatistics, QuantilesAndStudentTAgainstTables) {

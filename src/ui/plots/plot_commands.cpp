@@ -38,7 +38,8 @@ void runSingleRunPlots(const PlotHost& host) {
     SeriesGathering g = gatherSeries(wb.results, c);
     if (!g.missingMethod.empty()) {
       wb.prompter.inform("There is no " + g.missingMethod +
-                             " solution to plot. Solve the model by that method first.",
+                             " solution of this variable to plot. Solve the model by that "
+                             "method first.",
                          "Ovaro", Icon::Information);
       continue;
     }
