@@ -286,7 +286,8 @@ int runPlotCommand(const PlotCommand& o, std::ostream& out, std::ostream& err) {
   if (comparison) {
     std::optional<int> runs;
     if (o.runs >= 0) runs = o.runs;
-    if (runCompareCommand(wb, selection, runs).status != 1) return failed("comparison stopped");
+    const CompareResult r = runCompareCommand(wb, selection, runs);
+    if (r.status != 1 || r.runs == 0) return failed("comparison stopped");
   } else if (!runSolveCommand(wb, code == kFirstSolutionCode ? kSolveQlp : kSolveOlf)) {
     return failed("solve failed");
   }
