@@ -78,6 +78,8 @@ std::vector<double> column(std::span<const std::array<double, 5>> rows, std::siz
 }  // namespace
 
 double quantile(std::vector<double> values, double q) {
+  // A run that failed leaves NaN in its path; it has no place in an ordering.
+  std::erase_if(values, [](double v) { return std::isnan(v); });
   if (values.empty()) return kNaN;
   std::sort(values.begin(), values.end());
   const double h = static_cast<double>(values.size() - 1) * q;

@@ -29,7 +29,7 @@
 
 namespace ovaro {
 
-// The q-quantile (0 <= q <= 1) of the values; NaN for none.
+// The q-quantile (0 <= q <= 1) of the values, NaNs left out; NaN for none.
 double quantile(std::vector<double> values, double q);
 
 // Student-t with `df` degrees of freedom (df >= 1): the distribution function, and its inverse.
