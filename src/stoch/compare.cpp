@@ -133,6 +133,7 @@ struct CompareSetup {
   UncertainParameters par;  // occupancy tables; sitt is replaced by each period's estimate
   Mat3 ath, bth, cth;
   Mat theta0, sitt0, q, d, h, sixx0, sitx0, r, gam, npolicy, hcfrG, hcfrg;
+  FeedbackRule hcfrRule;         // the handcrafted rule in every period, for HCFR's projections
   Mat atrue0, btrue0, ctruetv0;  // the true system at theta0
   ForwardContext forwardBase;
 };
@@ -213,6 +214,7 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
   fctx.monteCarlo = true;
   fctx.method = kMethodNames[static_cast<std::size_t>(method)];
   FeedbackRule rule = makeFeedbackRule(n, m, nt);
+  LeadTerms lead = makeLeadTerms(n);
 
   for (int k = 0; k <= nt - 1; ++k) {
     if (trace.on(SolveTopic::RunHeadings))
@@ -232,45 +234,52 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
         ok &= CompKpgCe(n, m, nt, k, a, b, cs, s.crit.f, s.crit.lamlcs, s.crit.lams, s.crit.wlcs,
                         s.crit.ws, g, glc, trace);
       }
-    } else {
-      // The forward-variable iteration from this period on.
+    }
+    if (forwardModel) {
+      // The forward-variable iteration from this period on. HCFR re-solves nothing: its expected
+      // path is the one its own fixed rule projects, iterated until it reproduces itself.
       ok &= InitializeXsiterUsiter(k, n, m, nt, s.sys.maxLead, s.crit.xtws, out.us, xsiterStore,
                                    fctx.notConverged, xsiter, usiter, trace);
       fctx.notConverged = false;
       mmovsub(1, m, 0, nt - 1, usiter, usOld);
       if (olfLike) mmov(np, np, sittkk, par.sitt);
+      const FeedbackRule& projected = hcfr ? s.hcfrRule : rule;
       for (int iter = 1; iter <= fctx.iterlim; ++iter) {
         if (trace.on(SolveTopic::RunHeadings))
           ok &= trace.file().write(
               formatted("\r\n\r\n%s%d",
                         (" " + routine + " - forward variable loop   iter = ").c_str(), iter));
-        mmovsub(1, n, 0, nt - 1, cs, csAdjusted);
-        ok &= forward(n, m, nt, k, 1, s.sys.maxLead, csAdjusted, s.sys.d1, s.sys.d2, s.sys.d3,
-                      xsiter, trace);
-        if (olfLike) {
-          ok &= CompKpgOlfForw(n, m, nt, k, a, b, csAdjusted, s.crit.f, s.crit.lamlcs, s.crit.lams,
-                               s.crit.wlcs, s.crit.ws, par, rule, trace);
-        } else {
-          ok &= CompKpgCeForw(n, m, nt, k, a, b, csAdjusted, s.crit.f, s.crit.lamlcs, s.crit.lams,
-                              s.crit.wlcs, s.crit.ws, rule, trace);
-        }
-        if (trace.on(SolveTopic::GAndG)) {
-          ok &= trace.file().dumpMatrix3("gs in forward variable iteration of " + routine, k,
-                                         nt - 1, 1, m, 1, n, rule.gs);
-          ok &= trace.file().dumpMatrix("glcs in forward variable itertion of " + routine, 1, m, k,
-                                        nt - 1, rule.glcs);
+        if (!hcfr) {
+          mmovsub(1, n, 0, nt - 1, cs, csAdjusted);
+          ok &= forward(n, m, nt, k, 1, s.sys.maxLead, csAdjusted, s.sys.d1, s.sys.d2, s.sys.d3,
+                        xsiter, trace);
+          if (olfLike) {
+            ok &= CompKpgOlfForw(n, m, nt, k, a, b, csAdjusted, s.crit.f, s.crit.lamlcs,
+                                 s.crit.lams, s.crit.wlcs, s.crit.ws, par, rule, trace);
+          } else {
+            ok &= CompKpgCeForw(n, m, nt, k, a, b, csAdjusted, s.crit.f, s.crit.lamlcs, s.crit.lams,
+                                s.crit.wlcs, s.crit.ws, rule, trace);
+          }
+          if (trace.on(SolveTopic::GAndG)) {
+            ok &= trace.file().dumpMatrix3("gs in forward variable iteration of " + routine, k,
+                                           nt - 1, 1, m, 1, n, rule.gs);
+            ok &= trace.file().dumpMatrix("glcs in forward variable itertion of " + routine, 1, m,
+                                          k, nt - 1, rule.glcs);
+          }
         }
         ok &= ProjectionForwVar(iter, fctx.iterlim, k, n, m, nt, ny, a, b, cs, s.sys.d1, s.sys.d2,
-                                s.sys.d3, s.h, rule, xhat, xsiter, usiter, csUsed, trace);
+                                s.sys.d3, s.h, projected, xhat, xsiter, usiter, csUsed, trace);
         double eps = 0.0;
         ok &= CheckConvergence(run, iter, k, m, nt, usiter, usOld, eps, fctx, trace);
         if (iter >= 2 && eps <= fctx.tolerance) break;
       }
       if (fctx.notConverged) flags.forwardFailure = true;
       mmovsub(1, n, k, lastCol, xsiter, xsiterStore);
-      const Mat gk = feedbackAt(rule, k, m, n);
-      mmov(m, n, gk, g);
-      for (int i = 1; i <= m; ++i) glc(i, 1) = rule.glcs(i, k);
+      if (!hcfr) {
+        const Mat gk = feedbackAt(rule, k, m, n);
+        mmov(m, n, gk, g);
+        for (int i = 1; i <= m; ++i) glc(i, 1) = rule.glcs(i, k);
+      }
     }
     pctx.hcfr = hcfr;
     CompUOnePeriod(n, m, g, glc, xhat, uk, pctx, trace);
@@ -287,7 +296,14 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
     vcolset(m, k, uk, out.us);
     ok &= TrueParameterEvolution(pctx, k, n, m, nt, np, s.policy, s.ithn, out.us, uk, s.npolicy,
                                  terms.etas, out.thetatrue, atrue, btrue, ctruetv, prompter, trace);
-    const Mat ck = columnOf(n, k, cs);
+    // The filter predicts with the economy's own equation: in a forward-looking model the
+    // constant of the period carries the lead terms of the expected path the economy used.
+    Mat ck = columnOf(n, k, cs);
+    if (forwardModel) {
+      ExpectedLeadTerms(n, k, s.sys.d1, s.sys.d2, s.sys.d3, xsiter, lead);
+      Mat cbase = ck;
+      madd(n, 1, cbase, lead.dxesum, ck);
+    }
     KStep(n, m, s.l, np, a, b, ck, s.d, xhkk, thkk, uk, s.ath, s.bth, s.cth, sixxkk, sitxkk, sittkk,
           xhk1k, thk1k, trace);
     Sigk1k(n, m, s.l, np, a, ck, s.d, xhkk, uk, s.ath, s.bth, s.cth, sixxkk, sitxkk, sittkk, s.q,
@@ -443,6 +459,8 @@ CompareResult maincompare(const Model& model, const CompareSettings& settings, R
   s.npolicy = readModelMatrix(model, MatrixId::N, np, 1, m);
   s.hcfrG = readModelMatrix(model, MatrixId::G, m, 1, n);
   s.hcfrg = readModelMatrix(model, MatrixId::g, m, 1, 1);
+  s.hcfrRule = makeFeedbackRule(n, m, nt);
+  for (int t = 0; t <= nt - 1; ++t) storeRule(n, m, t, s.hcfrG, s.hcfrg, s.hcfrRule);
 
   // The stochastic inputs: the model's own under measurement error, neutral ones otherwise.
   if (stoch == opt::kMeasurementError) {
