@@ -22,12 +22,12 @@ void set(Model& model, MatrixId id, int r, int c, const char* text) {
 
 // Two states, one control, lead 1; the one uncertain parameter is B(1, 1) (in the Pindyck form
 // A0 only links state 2 to state 1, so B(1, 1) = B1(1, 1)), and TH0 is its true value.
-Model forwardModel(int form) {
+Model forwardModel(int form, int lead = 1) {
   testing::ModelShape shape;
   shape.np = 1;
   shape.nmc = 2;
   shape.terminalPeriod = 8;
-  shape.maxLead = 1;
+  shape.maxLead = lead;
   shape.iterlim = 200;
   shape.tolerance = "1.0E-16";
   shape.flags.systemForm = form;
