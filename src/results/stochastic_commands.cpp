@@ -35,6 +35,7 @@ CompareResult runCompareCommand(Workbench& wb, const MethodSelection& methods,
   settings.debug = wb.debug;
   settings.file = wb.debugFile.isOpen() ? &wb.debugFile : nullptr;
   settings.eps = wb.eps;
+  settings.threads = wb.threads;
   CompareResult result = maincompare(wb.model, settings, wb.random, wb.prompter, wb.progress);
   if (result.status == 1 && result.runs > 0) {
     // The display shows the comparison, not an earlier single solve.

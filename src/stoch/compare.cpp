@@ -1,7 +1,11 @@
 #include "stoch/compare.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "model/options.h"
 #include "numeric/matrix_ops.h"
@@ -359,6 +363,109 @@ int CompareOlf(bool withInsight, int run, const CompareSetup& s, const RandomTer
   return runMethod(withInsight ? kOlIn : kOlf, run, s, terms, pctx, flags, prompter, trace, out);
 }
 
+// Every selected method, in table order, steers the run's economy from the run's terms.
+int runSelectedMethods(int run, const MethodSelection& selected, const CompareSetup& s,
+                       const RandomTerms& terms, PeriodContext& pctx, RunFlags& flags,
+                       Prompter& prompter, const SolveTrace& trace,
+                       std::array<RunPaths, kMethodCount>& out) {
+  int ok = 1;
+  for (int method = 0; method < kMethodCount; ++method) {
+    const auto k = static_cast<std::size_t>(method);
+    if (!selected[k]) continue;
+    pctx.run = run;
+    pctx.method = kMethodNames[k];
+    switch (method) {
+      case kHcfr:
+        ok &= CompareHcfr(run, s, terms, pctx, flags, prompter, trace, out[k]);
+        break;
+      case kCe:
+      case kCeWo:
+        ok &= CompareCe(method == kCeWo, run, s, terms, pctx, flags, prompter, trace, out[k]);
+        break;
+      default:
+        ok &= CompareOlf(method == kOlIn, run, s, terms, pctx, flags, prompter, trace, out[k]);
+        break;
+    }
+  }
+  return ok;
+}
+
+// One run of a batch handed to the threads: its own copy of the terms, its own warning flags,
+// and the messages of its draw and of its methods, kept to be shown in run order.
+struct RunSlot {
+  RandomTerms terms;
+  RecordingPrompter drawMessages, runMessages;
+  PeriodContext pctx;
+  RunFlags flags;
+  std::array<RunPaths, kMethodCount> paths;
+  int ok = 1;
+};
+
+void replay(const RecordingPrompter& from, Prompter& to) {
+  for (const Message& message : from.messages()) to.show(message);
+}
+
+int threadCount(const CompareSettings& settings) {
+  if (settings.threads > 0) return settings.threads;
+  const unsigned cores = std::thread::hardware_concurrency();
+  return cores > 0 ? static_cast<int>(cores) : 1;
+}
+
+// The untraced run loop. Runs are taken in batches: the terms of a batch are drawn in run order
+// on this thread (the stream and its accumulators see exactly the serial sequence), the batch's
+// runs are solved on the threads, and then each run's messages, flags and paths are taken in run
+// order. Messages raised inside the runs are all plain notices, so holding them back changes no
+// answer.
+template <typename Record>
+int parallelRuns(int nmc, const CompareSettings& settings, const CompareSetup& s, bool generate,
+                 RandomState& random, RandomSources& src, RandomTerms& terms,
+                 RandomAccumulators& acc, PeriodContext& pctx, RunFlags& flags, Prompter& prompter,
+                 Progress& progress, Record& recordRun,
+                 std::array<RunPaths, kMethodCount>& lastRun) {
+  const int threads = std::max(1, std::min(threadCount(settings), nmc));
+  const int batch = std::max(1, std::min(nmc, 8 * threads));
+  std::vector<RunSlot> slots(static_cast<std::size_t>(batch));
+  const SolveTrace untraced;
+  int ok = 1;
+  for (int first = 1; first <= nmc && ok; first += batch) {
+    const int count = std::min(batch, nmc - first + 1);
+    for (int i = 0; i < count; ++i) {
+      RunSlot& slot = slots[static_cast<std::size_t>(i)];
+      slot.drawMessages.clear();
+      slot.runMessages.clear();
+      if (generate) GenerateRandomTerms(random, src, terms, acc, slot.drawMessages, untraced);
+      slot.terms = terms;
+      slot.pctx = PeriodContext{};
+      slot.flags = RunFlags{};
+    }
+    std::atomic<int> next{0};
+    auto work = [&] {
+      for (int i = next++; i < count; i = next++) {
+        RunSlot& slot = slots[static_cast<std::size_t>(i)];
+        slot.ok = runSelectedMethods(first + i, settings.methods, s, slot.terms, slot.pctx,
+                                     slot.flags, slot.runMessages, untraced, slot.paths);
+      }
+    };
+    {
+      std::vector<std::jthread> pool;
+      for (int t = 1; t < std::min(threads, count); ++t) pool.emplace_back(work);
+      work();
+    }
+    for (int i = 0; i < count && ok; ++i) {
+      RunSlot& slot = slots[static_cast<std::size_t>(i)];
+      progress.step();
+      replay(slot.drawMessages, prompter);
+      replay(slot.runMessages, prompter);
+      pctx.divisionWarning = pctx.divisionWarning || slot.pctx.divisionWarning;
+      flags.forwardFailure = flags.forwardFailure || slot.flags.forwardFailure;
+      ok &= slot.ok;
+      recordRun(slot.paths);
+      if (first + i == nmc) lastRun = std::move(slot.paths);
+    }
+  }
+  return ok;
+}
+
 constexpr const char* kQWarning =
     "Q(1,1) is very small.  If Q is a zero matrix \t          \r it may cause SIXXK1K to "
     "approach zero and therefore  \t\t\t  \r cause S to be singluar.  "
@@ -537,7 +644,28 @@ CompareResult maincompare(const Model& model, const CompareSettings& settings, R
   RunFlags flags;
   DebugSwitches saved;
   int ok = 1;
-  for (int run = 1; run <= nmc && ok; ++run) {
+  // What one run adds to the results, in run order.
+  auto recordRun = [&](const std::array<RunPaths, kMethodCount>& rps) {
+    const int run = static_cast<int>(result.mcResults.size()) + 1;
+    std::array<double, kMethodCount> criteria{};
+    for (int method = 0; method < kMethodCount; ++method) {
+      const auto k = static_cast<std::size_t>(method);
+      if (!settings.methods[k]) continue;
+      criteria[k] = rps[k].criterion;
+      result.criterionSums[k] += rps[k].criterion;
+      storeRunPaths(paths, method, run, rps[k]);
+    }
+    result.mcResults.push_back(criteria);
+    countLowestCriterion(settings.methods, criteria, result.lowestCounts);
+  };
+  // Without a debug file the runs go to a pool of threads: their terms are drawn here in run
+  // order as always, and what they return is added up in run order, so the result is the same to
+  // the bit whatever the number of threads. A traced comparison stays on this thread, in order.
+  if (file == nullptr) {
+    ok = parallelRuns(nmc, settings, s, generate, random, src, terms, acc, pctx, flags, prompter,
+                      progress, recordRun, result.lastRun);
+  }
+  for (int run = 1; file != nullptr && run <= nmc && ok; ++run) {
     // Only the first run (or the chosen one) is printed in detail; the summary stays on.
     auto summaryOnly = [&] {
       switches.clear();
@@ -559,30 +687,9 @@ CompareResult maincompare(const Model& model, const CompareSettings& settings, R
     trace = monteCarloTrace(file, switches);
     progress.step();
     if (generate) GenerateRandomTerms(random, src, terms, acc, prompter, trace);
-    std::array<double, kMethodCount> criteria{};
-    for (int method = 0; method < kMethodCount; ++method) {
-      if (!settings.methods[static_cast<std::size_t>(method)]) continue;
-      pctx.run = run;
-      pctx.method = kMethodNames[static_cast<std::size_t>(method)];
-      RunPaths& rp = result.lastRun[static_cast<std::size_t>(method)];
-      switch (method) {
-        case kHcfr:
-          ok &= CompareHcfr(run, s, terms, pctx, flags, prompter, trace, rp);
-          break;
-        case kCe:
-        case kCeWo:
-          ok &= CompareCe(method == kCeWo, run, s, terms, pctx, flags, prompter, trace, rp);
-          break;
-        default:
-          ok &= CompareOlf(method == kOlIn, run, s, terms, pctx, flags, prompter, trace, rp);
-          break;
-      }
-      criteria[static_cast<std::size_t>(method)] = rp.criterion;
-      result.criterionSums[static_cast<std::size_t>(method)] += rp.criterion;
-      storeRunPaths(paths, method, run, rp);
-    }
-    result.mcResults.push_back(criteria);
-    countLowestCriterion(settings.methods, criteria, result.lowestCounts);
+    ok &= runSelectedMethods(run, settings.methods, s, terms, pctx, flags, prompter, trace,
+                             result.lastRun);
+    recordRun(result.lastRun);
   }
   progress.finish();
   result.runs = static_cast<int>(result.mcResults.size());

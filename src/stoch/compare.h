@@ -71,6 +71,7 @@ struct CompareSettings {
   DebugPrintSettings debug;   // the switches and the run restriction
   DebugFile* file = nullptr;  // the open debug file of "Compare: Print", or nullptr
   double eps = 0.0;           // machine epsilon
+  int threads = 0;            // threads for the untraced runs; 0: one per core
 };
 
 // maincompare: the preconditions, the run loop and the statistics.
