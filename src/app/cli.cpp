@@ -497,8 +497,7 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
                     isCompare ? "Threads for the runs (default: one per core); the results are the "
                                 "same to the bit whatever the number, and a run with --debug stays "
                                 "on one thread"
-                              : "Accepted as for compare; these runs stay on one thread, each "
-                                "being cheaper than drawing its noise")
+                              : "Accepted as for compare; these runs stay on one thread for now")
         ->check(CLI::Range(1, 1024));
     if (isCompare)
       cmd->add_option("--format", o->format, "Number format id of the one-run table")
