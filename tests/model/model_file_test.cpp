@@ -517,27 +517,6 @@ TEST(ModelFile, OutOfRangeSizesAreRefusedAndTheModelKept) {
   EXPECT_TRUE(quiet.messages().empty());
 }
 
-// Text that is not a model file: prose, or a file whose version or a size is not a whole number.
-// Each is refused silently (the caller names the file) before any warning, and the model stays.
-TEST(ModelFile, AFileThatIsNotAModelFileIsRefusedWithoutAWord) {
-  const std::vector<std::string> notModels = {
-      "# Notes\n\nA Markdown document, not a model.\n",
-      "3.21~BAD~Bad~1~1~0~2027~2030~0~20~1E-6~0~0~0~",
-      "310~BAD~Bad~1~one~0~2027~2030~0~20~0~0~0~",
-      "321~BAD~Bad~1~1~0~2027~2030~0~20~1E-6~0~0~0.5~",
-  };
-  for (const std::string& text : notModels) {
-    SCOPED_TRACE(text);
-    Model model = makeModel(ModelShape{});
-    fillDistinct(model);
-    const Model before = model;
-    RecordingPrompter prompter;
-    EXPECT_EQ(readModelBytes(text, "notes.md", model, prompter), 0);
-    EXPECT_TRUE(prompter.messages().empty());
-    expectSameModel(before, model, /*throughFile=*/false);
-  }
-}
-
 TEST(ModelFile, MaximumLeadOutsideOneToThreeSkipsTheLeadMatrices) {
   ModelShape s;
   s.n = 1;
