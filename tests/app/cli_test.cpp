@@ -114,7 +114,7 @@ TEST(CliInfo, MissingFileFailsWithTheSystemsMessage) {
   spit(dir.file("notes.md"), "# Notes\n");  // not a model file: the same failure, no advice
   const Result md = runCli({"info", dir.file("notes.md")});
   EXPECT_EQ(md.code, 1);
-  EXPECT_EQ(md.err, "Could not read file " + dir.file("notes.md") + "!\n");
+  EXPECT_EQ(md.err, "Ovaro: Could not read file " + dir.file("notes.md") + "!\n");
 }
 
 TEST(CliConvert, RewritesAnExampleByteForByte) {
