@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QDialog>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QKeySequence>
@@ -457,11 +458,13 @@ void MainWindow::openPath(const std::string& path) {
 }
 
 void MainWindow::rememberFile() {
+  // Kept as a full path: the next session may start in another directory.
+  const QString path = QFileInfo(QString::fromStdString(shell_.fileName)).absoluteFilePath();
   if (settings_ != nullptr) {
-    recent_ = rememberRecentFile(*settings_, QString::fromStdString(shell_.fileName));
+    recent_ = rememberRecentFile(*settings_, path);
   } else {
-    recent_.removeAll(QString::fromStdString(shell_.fileName));
-    recent_.prepend(QString::fromStdString(shell_.fileName));
+    recent_.removeAll(path);
+    recent_.prepend(path);
     while (recent_.size() > kRecentFileCount) recent_.removeLast();
   }
   rebuildRecentMenu();

@@ -24,7 +24,9 @@ constexpr const char* kSaveDir = "dialogs/saveDirectory";
 }  // namespace
 
 QStringList recentFiles(const QSettings& settings) {
-  return settings.value(kRecent).toStringList();
+  QStringList list = settings.value(kRecent).toStringList();
+  list.removeAll(QString());  // a hand-edited or damaged store may hold empty entries
+  return list;
 }
 
 QStringList rememberRecentFile(QSettings& settings, const QString& path) {
