@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QDialog>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QKeySequence>
@@ -13,6 +14,7 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QSessionManager>
+#include <QSettings>
 #include <QShortcut>
 #include <QSplitter>
 #include <QStatusBar>
@@ -30,8 +32,11 @@
 #include "ui/menu_table.h"
 #include "ui/option_dialogs.h"
 #include "ui/qt_prompter.h"
+#include "ui/results/table_copy.h"
 #include "ui/results_dialogs.h"
 #include "ui/results_view.h"
+#include "ui/shell/desktop_conventions.h"
+#include "ui/shell/session_settings.h"
 
 namespace ovaro::ui {
 
@@ -137,8 +142,10 @@ MainWindow::MainWindow(Prompter& prompter, const std::string& modelFile, QWidget
   textArea_->setFrameShape(QFrame::StyledPanel);
   connect(textArea_, &QPlainTextEdit::textChanged, this, [this] {
     if (!settingText_) shell_.modified = 1;
+    setWindowModified(shell_.modified != 0);
   });
   resultsView_ = new ResultsView(splitter_);
+  new ResultsCopy(resultsView_);
   resultsView_->hide();
   splitter_->addWidget(textArea_);
   splitter_->addWidget(resultsView_);
@@ -209,6 +216,8 @@ void MainWindow::buildMenus() {
     if (editMenu_ == nullptr && top.label == "&Edit") editMenu_ = menu;
   }
   connect(editMenu_, &QMenu::aboutToShow, this, &MainWindow::onEditMenuAboutToShow);
+  addStandardShortcuts(actions_);
+  recentMenu_ = addRecentFilesMenu(*action(cmd::kExit));
 
   for (const Accelerator& acc : acceleratorTable()) {
     auto* shortcut =
@@ -230,6 +239,7 @@ void MainWindow::dispatch(int id) {
   auto it = commands_.find(id);
   if (it == commands_.end()) return;
   it->second();
+  setWindowModified(shell_.modified != 0);
   update();
 }
 
@@ -248,7 +258,7 @@ int MainWindow::runDialog(QDialog& dialog) {
 }
 
 void MainWindow::setCaption() {
-  setWindowTitle(QString::fromStdString(captionText(shell_.fileTitle)));
+  setWindowTitle(QString::fromStdString(captionText(shell_.fileTitle)) + "[*]");
 }
 
 void MainWindow::showFileMessage(const std::string& format, const std::string& title) {
@@ -391,6 +401,7 @@ int MainWindow::save() {
     return 0;
   }
   shell_.modified = 0;
+  rememberFile();
   return 1;
 }
 
@@ -406,20 +417,14 @@ int MainWindow::saveAs() {
     return 0;
   }
   shell_.modified = 0;
+  rememberFile();
   return 1;
 }
 
 void MainWindow::newModel() {
-  if (shell_.modified != 0 && askSave() == Answer::Cancel) return;
-  setTextAreaText({});
-  shell_.fileName.clear();
-  shell_.fileTitle.clear();
-  setCaption();
-  shell_.modified = 0;
-  ovaro::clearModel(wb_.model);
-  wb_.resultsFormat = 770;
   // The sizes and forms of a new model are chosen in the data-entry dialogs, which this build
-  // does not have yet; the model stays empty until one is opened or loaded.
+  // does not have yet. A command that cannot run takes nothing away: the model, its file, its
+  // results and the text area stay as they are.
   notAvailable(cmd::kNew);
 }
 
@@ -432,18 +437,54 @@ void MainWindow::openModel() {
     shell_.modified = 0;
     return;
   }
-  shell_.fileName = *name;
-  shell_.fileTitle = fileTitle(*name);
-  if (readModelFile(shell_.fileName, wb_.model, prompter_) != 0) {
+  openPath(*name);
+}
+
+void MainWindow::openPath(const std::string& path) {
+  if (readModelFile(path, wb_.model, prompter_) != 0) {
+    shell_.fileName = path;
+    shell_.fileTitle = fileTitle(path);
     setCaption();
     shell_.modified = 0;
+    forgetResults();
+    rememberFile();
+    statusBar()->showMessage(QString::fromStdString("Opened " + shell_.fileTitle));
     return;
   }
-  showFileMessage("Could not read file %s!", shell_.fileTitle);
-  shell_.fileName.clear();
-  shell_.fileTitle.clear();
-  setCaption();
+  // A file that could not be read left the model as it was, so the model keeps its own file and
+  // title: a later Save writes where the model came from, never over the file refused here.
+  showFileMessage("Could not read file %s!", fileTitle(path));
   shell_.modified = 0;
+}
+
+void MainWindow::rememberFile() {
+  // Kept as a full path: the next session may start in another directory.
+  const QString path = QFileInfo(QString::fromStdString(shell_.fileName)).absoluteFilePath();
+  if (settings_ != nullptr) {
+    recent_ = rememberRecentFile(*settings_, path);
+  } else {
+    recent_.removeAll(path);
+    recent_.prepend(path);
+    while (recent_.size() > kRecentFileCount) recent_.removeLast();
+  }
+  rebuildRecentMenu();
+}
+
+void MainWindow::rebuildRecentMenu() {
+  if (recentMenu_ == nullptr) return;
+  fillRecentFilesMenu(*recentMenu_, recent_, [this](const QString& path) {
+    if (shell_.modified != 0 && askSave() == Answer::Cancel) return;
+    openPath(path.toStdString());
+    setWindowModified(shell_.modified != 0);
+  });
+}
+
+void MainWindow::useSettings(QSettings* settings) {
+  settings_ = settings;
+  if (settings_ == nullptr) return;
+  restoreSession(*settings_, *this, *splitter_, wb_, dynamic_cast<QtPrompter*>(&prompter_));
+  recent_ = ui::recentFiles(*settings_);
+  rebuildRecentMenu();
 }
 
 void MainWindow::printFile() {
@@ -454,9 +495,10 @@ void MainWindow::printFile() {
 void MainWindow::clearModel() {
   // The text area, the file and the modified flag stay, so a later Save writes to the file last
   // opened; only the title forgets it.
-  setWindowTitle(QString::fromStdString(captionText({})));
+  setWindowTitle(QString::fromStdString(captionText({})) + "[*]");
   wb_.resetToDefaults();
   syncToggleChecks();
+  forgetResults();
 }
 
 void MainWindow::exitProgram() {
@@ -475,7 +517,8 @@ void MainWindow::loadExample(int id) {
   if (readModelFile(path, wb_.model, prompter_) != 0) {
     // The title names the example, but the current file is not changed: a later Save writes to
     // the file last opened, or asks for a name.
-    setWindowTitle(QString::fromStdString(captionText(entry->fileName)));
+    setWindowTitle(QString::fromStdString(captionText(entry->fileName)) + "[*]");
+    forgetResults();
     prompter_.inform(std::string(entry->description), "Model Loaded");
     openDescription();
   } else {
@@ -560,7 +603,9 @@ void MainWindow::solveSingle(int method, bool traced, bool sheet) {
     WaitCursor wait;
     solved = runSolveCommand(wb_, method, sheet ? DebugPage::Summary : DebugPage::QlpOlf);
   }
-  if (solved) showResults();
+  if (!solved) return;
+  showResults();
+  statusBar()->showMessage(solvedStatus(wb_, method));
 }
 
 void MainWindow::compare(bool traced) {
@@ -577,6 +622,7 @@ void MainWindow::compare(bool traced) {
     runCompareCommand(wb_, chosen);
   }
   showResults();
+  statusBar()->showMessage(compareStatus(wb_));
 }
 
 void MainWindow::updating(bool traced) {
@@ -604,6 +650,12 @@ void MainWindow::showResults() {
     resultsView_->show();
     splitResultsArea();
   }
+}
+
+void MainWindow::forgetResults() {
+  wb_.results.clear();
+  resultsView_->clearTable();
+  resultsView_->hide();
 }
 
 void MainWindow::splitResultsArea() {
@@ -695,6 +747,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     event->ignore();
     return;
   }
+  if (settings_ != nullptr)
+    saveSession(*settings_, *this, *splitter_, wb_, dynamic_cast<QtPrompter*>(&prompter_));
   freeModelArrays(wb_.model);
   event->accept();
 }

@@ -11,6 +11,7 @@
 
 #include <QMainWindow>
 #include <QPointer>
+#include <QStringList>
 #include <functional>
 #include <map>
 #include <string>
@@ -24,6 +25,7 @@ class QDialog;
 class QMenu;
 class QPlainTextEdit;
 class QProgressBar;
+class QSettings;
 class QSplitter;
 
 namespace ovaro::ui {
@@ -69,6 +71,15 @@ class MainWindow : public QMainWindow {
 
   // Opens (or re-opens) the results windows for the current display selector.
   void showResults();
+  // Takes the results of the previous model away: a changed model has none yet.
+  void forgetResults();
+
+  // Remembers the window, the results preferences, the dialogs' directories and the recent
+  // files in `settings` (not owned; it must outlive the window), restoring what it holds now.
+  // Without it nothing is kept between sessions.
+  void useSettings(QSettings* settings);
+  // The model files opened or saved last, the latest first (File menu, "Recent Files").
+  const QStringList& recentFiles() const { return recent_; }
 
   Workbench& workbench() { return wb_; }
   const ShellState& shellState() const { return shell_; }
@@ -94,6 +105,9 @@ class MainWindow : public QMainWindow {
   // File
   void newModel();
   void openModel();
+  void openPath(const std::string& path);
+  void rememberFile();
+  void rebuildRecentMenu();
   void printFile();
   void clearModel();
   void exitProgram();
@@ -127,6 +141,9 @@ class MainWindow : public QMainWindow {
   ResultsView* resultsView_ = nullptr;
   QProgressBar* progressBar_ = nullptr;
   QMenu* editMenu_ = nullptr;
+  QMenu* recentMenu_ = nullptr;
+  QStringList recent_;
+  QSettings* settings_ = nullptr;
 };
 
 }  // namespace ovaro::ui

@@ -67,7 +67,7 @@ struct Harness {
       return static_cast<int>(QDialog::Rejected);
     });
   }
-  std::string title() const { return window->windowTitle().toStdString(); }
+  std::string title() const { return window->windowTitle().remove("[*]").toStdString(); }
   std::vector<std::string> texts() const {
     std::vector<std::string> out;
     for (const Message& m : prompter.messages()) out.push_back(m.text);
