@@ -401,6 +401,10 @@ struct RunSlot {
   int ok = 1;
 };
 
+bool cancelled(const CompareSettings& settings) {
+  return settings.cancel != nullptr && settings.cancel->load();
+}
+
 void replay(const RecordingPrompter& from, Prompter& to) {
   for (const Message& message : from.messages()) to.show(message);
 }
@@ -452,6 +456,7 @@ int parallelRuns(int nmc, const CompareSettings& settings, const CompareSetup& s
       work();
     }
     for (int i = 0; i < count && ok; ++i) {
+      if (cancelled(settings)) return ok;
       RunSlot& slot = slots[static_cast<std::size_t>(i)];
       progress.step();
       replay(slot.drawMessages, prompter);
@@ -665,7 +670,7 @@ CompareResult maincompare(const Model& model, const CompareSettings& settings, R
     ok = parallelRuns(nmc, settings, s, generate, random, src, terms, acc, pctx, flags, prompter,
                       progress, recordRun, result.lastRun);
   }
-  for (int run = 1; file != nullptr && run <= nmc && ok; ++run) {
+  for (int run = 1; file != nullptr && run <= nmc && ok && !cancelled(settings); ++run) {
     // Only the first run (or the chosen one) is printed in detail; the summary stays on.
     auto summaryOnly = [&] {
       switches.clear();
@@ -692,6 +697,12 @@ CompareResult maincompare(const Model& model, const CompareSettings& settings, R
     recordRun(result.lastRun);
   }
   progress.finish();
+  if (cancelled(settings) && static_cast<int>(result.mcResults.size()) < nmc) {
+    result = CompareResult{};
+    result.status = 0;
+    result.cancelled = true;
+    return result;
+  }
   result.runs = static_cast<int>(result.mcResults.size());
   result.xtws = s.crit.xtws;
   result.utws = s.crit.utws;

@@ -35,6 +35,7 @@
 #include "ui/results/table_copy.h"
 #include "ui/results_dialogs.h"
 #include "ui/results_view.h"
+#include "ui/shell/background_run.h"
 #include "ui/shell/desktop_conventions.h"
 #include "ui/shell/session_settings.h"
 
@@ -156,6 +157,10 @@ MainWindow::MainWindow(Prompter& prompter, const std::string& modelFile, QWidget
   progressBar_->setObjectName("MonteCarloProgress");
   progressBar_->hide();
   statusBar()->addPermanentWidget(progressBar_, 1);
+  cancelButton_ = new QPushButton(tr("Cancel"), this);
+  cancelButton_->setObjectName("MonteCarloCancel");
+  cancelButton_->hide();
+  statusBar()->addPermanentWidget(cancelButton_);
   statusBar()->setSizeGripEnabled(true);
   progress_.setBar(progressBar_);
 
@@ -236,6 +241,8 @@ void MainWindow::onEditMenuAboutToShow() {
 }
 
 void MainWindow::dispatch(int id) {
+  // While runs go on in the background, the model and the results are theirs.
+  if (BackgroundRun::busy(this)) return;
   auto it = commands_.find(id);
   if (it == commands_.end()) return;
   it->second();
@@ -616,13 +623,28 @@ void MainWindow::compare(bool traced) {
     DebugPrintSheet dialog(wb_.debug, this);
     runDialog(dialog);
   }
-  {
-    WaitCursor wait;
-    const MethodSelection chosen = wb_.results.ran.compare;
-    runCompareCommand(wb_, chosen);
+  // The runs go to a worker thread with their own copies of the model and the generator state;
+  // the results come back here, and only a finished comparison is kept.
+  const MethodSelection chosen = wb_.results.ran.compare;
+  CompareSettings settings = compareSettings(wb_, chosen);
+  std::atomic<bool> cancel{false};
+  settings.cancel = &cancel;
+  const Model model = wb_.model;
+  RandomState random = wb_.random;
+  CompareResult result;
+  BackgroundRun(this, prompter_, progress_, cancelButton_)
+      .run([&](Prompter& p, Progress& pr) { result = maincompare(model, settings, random, p, pr); },
+           cancel);
+  wb_.debugFile.close();
+  if (result.cancelled) {
+    statusBar()->showMessage(tr("Compare cancelled: nothing kept"));
+  } else {
+    wb_.random = random;
+    keepCompareResult(wb_, chosen, result);
+    showResults();
+    statusBar()->showMessage(compareStatus(wb_));
   }
-  showResults();
-  statusBar()->showMessage(compareStatus(wb_));
+  finishBackgroundRun();
 }
 
 void MainWindow::updating(bool traced) {
@@ -633,10 +655,24 @@ void MainWindow::updating(bool traced) {
   }
   MethodWoDialog methods(wb_.updatingMethods, this);
   runDialog(methods);
-  {
-    WaitCursor wait;
-    runUpdatingCommand(wb_);
+  UpdatingSettings settings = updatingSettings(wb_);
+  std::atomic<bool> cancel{false};
+  settings.cancel = &cancel;
+  const Model model = wb_.model;
+  RandomState random = wb_.random;
+  UpdatingResult result;
+  BackgroundRun(this, prompter_, progress_, cancelButton_)
+      .run([&](Prompter& p,
+               Progress& pr) { result = maincompareWoUpdating(model, settings, random, p, pr); },
+           cancel);
+  wb_.debugFile.close();
+  if (result.cancelled) {
+    statusBar()->showMessage(tr("Stochastic w/o Updating cancelled: nothing kept"));
+  } else {
+    wb_.random = random;
+    keepUpdatingResult(wb_, result);
   }
+  finishBackgroundRun();
   showResults();
 }
 
@@ -742,7 +778,20 @@ int MainWindow::findReplace(FindReplaceAction what, const QString& findText,
 
 // ---- Close ----
 
+// A window closed while runs went on closes once they have stopped.
+void MainWindow::finishBackgroundRun() {
+  if (!closeAfterRun_) return;
+  closeAfterRun_ = false;
+  QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) {
+  if (BackgroundRun::busy(this)) {
+    cancelButton_->click();
+    closeAfterRun_ = true;
+    event->ignore();
+    return;
+  }
   if (shell_.modified != 0 && askSave() == Answer::Cancel) {
     event->ignore();
     return;

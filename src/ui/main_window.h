@@ -11,6 +11,7 @@
 
 #include <QMainWindow>
 #include <QPointer>
+#include <QPushButton>
 #include <QStringList>
 #include <functional>
 #include <map>
@@ -86,6 +87,8 @@ class MainWindow : public QMainWindow {
   QPlainTextEdit* textArea() const { return textArea_; }
   ResultsView* resultsView() const { return resultsView_; }
   QProgressBar* progressBar() const { return progressBar_; }
+  // Stops a comparison or an updating run after the run in hand; shown only while one runs.
+  QPushButton* cancelButton() const { return cancelButton_; }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -121,6 +124,7 @@ class MainWindow : public QMainWindow {
   void solveSingle(int method, bool traced, bool sheet);
   void compare(bool traced);
   void updating(bool traced);
+  void finishBackgroundRun();
   // Results and preferences
   void splitResultsArea();
   void displayOptions();
@@ -140,6 +144,8 @@ class MainWindow : public QMainWindow {
   QPlainTextEdit* textArea_ = nullptr;
   ResultsView* resultsView_ = nullptr;
   QProgressBar* progressBar_ = nullptr;
+  QPushButton* cancelButton_ = nullptr;
+  bool closeAfterRun_ = false;  // the window was closed while runs went on
   QMenu* editMenu_ = nullptr;
   QMenu* recentMenu_ = nullptr;
   QStringList recent_;
