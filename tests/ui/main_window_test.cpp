@@ -691,7 +691,7 @@ TEST(MainWindowSolve, CancelledComparisonKeepsNothing) {
                      h.window->cancelButton()->click();
                    });
   h.window->dispatch(137);
-  EXPECT_TRUE(wb.results.ran.compare[kCe]);
+  EXPECT_TRUE(wb.results.ran.compare[ovaro::kCe]);
   EXPECT_TRUE(disabledWhileRunning);
   EXPECT_LT(h.window->progressBar()->value(), 400);
   EXPECT_EQ(wb.results.find("CE"), nullptr);
