@@ -31,6 +31,7 @@
 #include "model/model_file.h"
 #include "results/results_table.h"
 #include "solve/drivers.h"
+#include "stoch/compare.h"
 #include "support/temp_dir.h"
 #include "ui/menu_table.h"
 #include "ui/qt_app.h"
