@@ -165,12 +165,24 @@ double mtrace2(int n, int m, const Mat& A, const Mat& B) {
 }
 
 // trace(A B C D), one running sum over all four indices rather than through explicit products.
+// The terms are added in the nesting order i, j, k, l, each as ((A B) C) D. A term whose A or C
+// factor is exactly zero is skipped: with finite factors it is a signed zero, and adding a zero to
+// a sum that starts at +0 changes no bit. (The filter passes parameter-derivative slices here,
+// which are almost all zeros.)
 double mtrace4(int n, int m, const Mat& A, const Mat& B, const Mat& C, const Mat& D) {
   double sum = 0.0;
   for (int i = 1; i <= n; ++i)
     for (int j = 1; j <= n; ++j)
-      for (int k = 1; k <= m; ++k)
-        for (int l = 1; l <= m; ++l) sum += A(i, k) * B(k, j) * C(j, l) * D(l, i);
+      for (int k = 1; k <= m; ++k) {
+        const double a = A(i, k);
+        if (a == 0.0) continue;
+        const double ab = a * B(k, j);
+        for (int l = 1; l <= m; ++l) {
+          const double c = C(j, l);
+          if (c == 0.0) continue;
+          sum += ab * c * D(l, i);
+        }
+      }
   return sum;
 }
 
