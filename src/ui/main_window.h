@@ -13,6 +13,7 @@
 #include <QPointer>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 
 #include "results/workbench.h"
@@ -28,6 +29,7 @@ class QSplitter;
 
 namespace ovaro::ui {
 
+class ModelCommands;
 class ResultsView;
 
 // What a find/replace request asks for.
@@ -120,6 +122,7 @@ class MainWindow : public QMainWindow {
   std::map<int, std::function<void()>> commands_;
   std::map<int, QAction*> actions_;
   DialogRunner dialogRunner_;
+  std::unique_ptr<ModelCommands> modelCommands_;
   bool settingText_ = false;
 
   QSplitter* splitter_ = nullptr;
