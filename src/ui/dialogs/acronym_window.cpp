@@ -52,7 +52,7 @@ AcronymWindow::AcronymWindow(Model& model, QWidget* parent)
     : QDialog(parent), model_(model), pages_(new QTabWidget(this)) {
   setObjectName(QStringLiteral("Acronyms"));
   setWindowTitle(QStringLiteral("Acronyms"));
-  resize(560, 420);
+  resize(640, 420);
   auto* layout = new QVBoxLayout(this);
   for (const ClassInfo& info : classes()) {
     const LabelTable& table = model.labels(info.kind);
