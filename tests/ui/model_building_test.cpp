@@ -6,8 +6,10 @@
 #include <QButtonGroup>
 #include <QDialogButtonBox>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 #include <functional>
 #include <map>
 
@@ -83,6 +85,28 @@ TEST(MatrixEditor, WritesBackOnlyWhatOkRead) {
     EXPECT_EQ(target.cell(0, 1), "123456789012345");
     EXPECT_EQ(target.cell(0, 0), "0");
   }
+}
+
+// Undriven, the edit waits for the "Finished Editing" box; the cells OK read go back when it is
+// dismissed.
+TEST(MatrixEditor, InteractiveEditEndsWhenFinishedEditingIsDismissed) {
+  test::qtApp();
+  TextMatrix target(1, 1);
+  QTimer::singleShot(0, [] {
+    MatrixEditor* editor = nullptr;
+    for (QWidget* w : QApplication::topLevelWidgets()) {
+      if (auto* e = qobject_cast<MatrixEditor*>(w); e != nullptr && e->isVisible()) editor = e;
+    }
+    ASSERT_NE(editor, nullptr);
+    editor->cellField(0, 0)->setText("7");
+    editor->findChild<QPushButton*>("button1")->click();
+    auto* box = editor->findChild<QMessageBox*>();
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(box->windowTitle(), "Finished Editing");
+    box->button(QMessageBox::Ok)->click();
+  });
+  editMatrix(target, "X0 Vector", {"x"}, {"X0"}, {});
+  EXPECT_EQ(target.cell(0, 0), "7");
 }
 
 TEST(MatrixEditor, MarksTextThatIsNotAPlainNumberWithWhatItCountsAs) {

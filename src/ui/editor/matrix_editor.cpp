@@ -291,8 +291,10 @@ void runMatrixEditorInteractively(MatrixEditor& editor) {
   editor.show();
   // The box has no owner and does not block the editor: the user types, presses the editor's
   // OK, then dismisses the box.
+  // The box belongs to the editor only so that a data-entry dialog that is modal below them
+  // blocks neither.
   QMessageBox box(QMessageBox::NoIcon, QStringLiteral("Finished Editing"), QStringLiteral(" "),
-                  QMessageBox::Ok);
+                  QMessageBox::Ok, &editor);
   box.setWindowModality(Qt::NonModal);
   QEventLoop loop;
   QObject::connect(&box, &QMessageBox::finished, &loop, &QEventLoop::quit);
@@ -306,7 +308,10 @@ int editMatrix(TextMatrix& target, const std::string& title,
                const std::vector<std::string>& colAcronyms, const MatrixEditorRunner& run,
                QWidget* parent) {
   QApplication::setOverrideCursor(Qt::WaitCursor);
-  MatrixEditor editor({title, rowAcronyms, colAcronyms, target}, parent);
+  // Opened from a modal matrix-entry dialog, the editor must belong to that dialog, or the
+  // dialog's modality would block it.
+  QWidget* modal = QApplication::activeModalWidget();
+  MatrixEditor editor({title, rowAcronyms, colAcronyms, target}, modal != nullptr ? modal : parent);
   QApplication::restoreOverrideCursor();
   if (run) {
     run(editor);
