@@ -6,6 +6,7 @@
 #include "ui/dialogs/acronym_window.h"
 #include "ui/dialogs/matrix_entry.h"
 #include "ui/dialogs/spec_dialogs.h"
+#include "ui/menu_table.h"
 
 namespace ovaro::ui {
 
@@ -67,8 +68,8 @@ void ModelCommands::newModelSequence() {
   // are named and the model is left without arrays, as after Clear.
   const std::string problem = checkSizes(model);
   if (!problem.empty()) {
-    wb_.prompter.inform(problem + " Enter the sizes again with Data: Size, then choose File: New.",
-                        "Ovaro", Icon::Exclamation);
+    wb_.prompter.inform(problem + " Choose File: New again and enter smaller sizes.", "Ovaro",
+                        Icon::Exclamation);
     return;
   }
   allocateModelArrays(model);
@@ -84,14 +85,14 @@ void ModelCommands::stochasticTerms() {
   const SpecFlags old = wb_.model.flags;
   StochasticTermsDialog dialog(wb_.model.flags, parent_);
   if (run(dialog) != QDialog::Accepted || newModelFlag_) return;
-  (void)old;  // reconciliation: see below
+  keepArraysInShape(old, wb_.model.dims);
 }
 
 void ModelCommands::forms() {
   const SpecFlags old = wb_.model.flags;
   FormsDialog dialog(wb_.model.flags, parent_);
   if (run(dialog) != QDialog::Accepted || newModelFlag_) return;
-  (void)old;
+  keepArraysInShape(old, wb_.model.dims);
 }
 
 void ModelCommands::sourceRandom() {
@@ -114,7 +115,42 @@ void ModelCommands::sizeDialog() {
   const Dimensions old = wb_.model.dims;
   SizeDialog dialog(wb_.model.dims, parent_);
   if (run(dialog) != QDialog::Accepted || newModelFlag_) return;
-  (void)old;
+  keepArraysInShape(wb_.model.flags, old);
+}
+
+// Until the model transformations that carry a changed size or form over to the data are part of
+// this build, a change that would leave the matrices out of shape with the sizes and flags is
+// taken back, so that no solve reads a matrix of the wrong shape and no cell is lost.
+void ModelCommands::keepArraysInShape(const SpecFlags& oldFlags, const Dimensions& oldDims) {
+  Model& model = wb_.model;
+  if (!model.allocated) return;
+  const Dimensions& d = model.dims;
+  const bool sizeChanged = d.n.value != oldDims.n.value || d.m.value != oldDims.m.value ||
+                           d.l.value != oldDims.l.value || d.np.value != oldDims.np.value ||
+                           d.ny.value != oldDims.ny.value || d.nt.value != oldDims.nt.value ||
+                           d.maxLead.value != oldDims.maxLead.value;
+  SpecFlags shapeOnly = model.flags;
+  shapeOnly.randomSource = oldFlags.randomSource;
+  shapeOnly.option450 = oldFlags.option450;
+  shapeOnly.option452 = oldFlags.option452;
+  const bool formChanged = !(shapeOnly == oldFlags);
+  if (!sizeChanged && !formChanged) return;
+  if (sizeChanged) {
+    model.dims.n = oldDims.n;
+    model.dims.m = oldDims.m;
+    model.dims.l = oldDims.l;
+    model.dims.np = oldDims.np;
+    model.dims.ny = oldDims.ny;
+    model.dims.maxLead = oldDims.maxLead;
+    model.dims.initialPeriod = oldDims.initialPeriod;
+    model.dims.terminalPeriod = oldDims.terminalPeriod;
+    model.dims.recomputePeriods();
+  }
+  if (formChanged) model.flags = oldFlags;
+  wb_.prompter.inform(
+      "The data already entered cannot yet be carried over to a changed size or form in this "
+      "build, so the change was taken back. To change them, start a new model with File: New.",
+      "Transformation", Icon::Exclamation);
 }
 
 void ModelCommands::acronyms() {
@@ -140,7 +176,14 @@ void ModelCommands::editModelMatrix(MatrixId id) {
 }
 
 void ModelCommands::transformation(int id) {
-  (void)id;
+  // The transformations themselves are not part of this build yet; the command says so rather
+  // than doing nothing.
+  const std::string label = menuLabel(id);
+  std::string plain;
+  for (char c : label) {
+    if (c != '&') plain += c;
+  }
+  wb_.prompter.inform(plain + " is not available in this build.", "Ovaro", Icon::Information);
 }
 
 }  // namespace ovaro::ui
