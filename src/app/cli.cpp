@@ -269,6 +269,7 @@ struct MonteCarloOptions {
   std::string trace;
   int printRun = 0;
   int format = 0;
+  int threads = 0;
 };
 
 // Sets up a workbench for a Monte Carlo command: the model, the seed, the debug file and switches.
@@ -292,6 +293,7 @@ int prepareMonteCarlo(const MonteCarloOptions& o, Workbench& wb, RecordingPrompt
   }
   wb.random.quarnsSeed = static_cast<float>(o.seed);
   wb.resultsFormat = o.format;
+  wb.threads = o.threads;
   if (!o.debug.empty() && !wb.debugFile.open(o.debug)) {
     fileMessage(prompter, "Could not write file %s", o.debug);
     return failed();
@@ -491,6 +493,12 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
         ->needs(cmd->get_option("--debug"));
     cmd->add_option("--print-run", o->printRun, "Print only this run in detail")
         ->check(CLI::Range(1, 1000000));
+    cmd->add_option("--threads", o->threads,
+                    isCompare ? "Threads for the runs (default: one per core); the results are the "
+                                "same to the bit whatever the number, and a run with --debug stays "
+                                "on one thread"
+                              : "Accepted as for compare; these runs stay on one thread for now")
+        ->check(CLI::Range(1, 1024));
     if (isCompare)
       cmd->add_option("--format", o->format, "Number format id of the one-run table")
           ->check(CLI::IsMember(formatIds));

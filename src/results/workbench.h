@@ -73,6 +73,8 @@ class Workbench {
 
   // The random generators' state: it survives from one solve to the next.
   RandomState random;
+  // Threads for the untraced Monte Carlo runs (0: one per core). The results do not depend on it.
+  int threads = 0;
   // The choice of "Methods for Stochastic w/o Updating". (The Compare method choice is the
   // results store's run flags.)
   UpdatingMethods updatingMethods;

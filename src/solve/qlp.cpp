@@ -62,7 +62,7 @@ bool checkSolveInputs(const Model& model, Prompter& prompter) {
   if (d.n.value < 1 || d.m.value < 1 || d.nt.value < 2 || d.l.value < 0) {
     prompter.inform(
         "The model needs at least one state variable, one control variable and two "
-        "time periods to be solved. Set them under Specification: Size, then enter "
+        "time periods to be solved. Set them under Data: Size, then enter "
         "the data.",
         kErrorCaption, Icon::Stop);
     return false;

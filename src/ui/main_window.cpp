@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QDialog>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QKeySequence>
@@ -13,6 +14,7 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QSessionManager>
+#include <QSettings>
 #include <QShortcut>
 #include <QSplitter>
 #include <QStatusBar>
@@ -32,8 +34,12 @@
 #include "ui/menu_table.h"
 #include "ui/option_dialogs.h"
 #include "ui/qt_prompter.h"
+#include "ui/results/table_copy.h"
 #include "ui/results_dialogs.h"
 #include "ui/results_view.h"
+#include "ui/shell/background_run.h"
+#include "ui/shell/desktop_conventions.h"
+#include "ui/shell/session_settings.h"
 
 namespace ovaro::ui {
 
@@ -139,8 +145,10 @@ MainWindow::MainWindow(Prompter& prompter, const std::string& modelFile, QWidget
   textArea_->setFrameShape(QFrame::StyledPanel);
   connect(textArea_, &QPlainTextEdit::textChanged, this, [this] {
     if (!settingText_) shell_.modified = 1;
+    setWindowModified(shell_.modified != 0);
   });
   resultsView_ = new ResultsView(splitter_);
+  new ResultsCopy(resultsView_);
   resultsView_->hide();
   splitter_->addWidget(textArea_);
   splitter_->addWidget(resultsView_);
@@ -151,6 +159,10 @@ MainWindow::MainWindow(Prompter& prompter, const std::string& modelFile, QWidget
   progressBar_->setObjectName("MonteCarloProgress");
   progressBar_->hide();
   statusBar()->addPermanentWidget(progressBar_, 1);
+  cancelButton_ = new QPushButton(tr("Cancel"), this);
+  cancelButton_->setObjectName("MonteCarloCancel");
+  cancelButton_->hide();
+  statusBar()->addPermanentWidget(cancelButton_);
   statusBar()->setSizeGripEnabled(true);
   progress_.setBar(progressBar_);
 
@@ -222,6 +234,8 @@ void MainWindow::buildMenus() {
     if (editMenu_ == nullptr && top.label == "&Edit") editMenu_ = menu;
   }
   connect(editMenu_, &QMenu::aboutToShow, this, &MainWindow::onEditMenuAboutToShow);
+  addStandardShortcuts(actions_);
+  recentMenu_ = addRecentFilesMenu(*action(cmd::kExit));
 
   for (const Accelerator& acc : acceleratorTable()) {
     auto* shortcut =
@@ -240,9 +254,12 @@ void MainWindow::onEditMenuAboutToShow() {
 }
 
 void MainWindow::dispatch(int id) {
+  // While runs go on in the background, the model and the results are theirs.
+  if (BackgroundRun::busy(this)) return;
   auto it = commands_.find(id);
   if (it == commands_.end()) return;
   it->second();
+  setWindowModified(shell_.modified != 0);
   update();
 }
 
@@ -261,7 +278,7 @@ int MainWindow::runDialog(QDialog& dialog) {
 }
 
 void MainWindow::setCaption() {
-  setWindowTitle(QString::fromStdString(captionText(shell_.fileTitle)));
+  setWindowTitle(QString::fromStdString(captionText(shell_.fileTitle)) + "[*]");
 }
 
 void MainWindow::showFileMessage(const std::string& format, const std::string& title) {
@@ -409,6 +426,7 @@ int MainWindow::save() {
     return 0;
   }
   shell_.modified = 0;
+  rememberFile();
   return 1;
 }
 
@@ -424,6 +442,7 @@ int MainWindow::saveAs() {
     return 0;
   }
   shell_.modified = 0;
+  rememberFile();
   return 1;
 }
 
@@ -434,6 +453,7 @@ void MainWindow::newModel() {
   shell_.fileTitle.clear();
   setCaption();
   shell_.modified = 0;
+  forgetResults();
   modelCommands_->newModelSequence();
 }
 
@@ -446,18 +466,54 @@ void MainWindow::openModel() {
     shell_.modified = 0;
     return;
   }
-  shell_.fileName = *name;
-  shell_.fileTitle = fileTitle(*name);
-  if (readModelFile(shell_.fileName, wb_.model, prompter_) != 0) {
+  openPath(*name);
+}
+
+void MainWindow::openPath(const std::string& path) {
+  if (readModelFile(path, wb_.model, prompter_) != 0) {
+    shell_.fileName = path;
+    shell_.fileTitle = fileTitle(path);
     setCaption();
     shell_.modified = 0;
+    forgetResults();
+    rememberFile();
+    statusBar()->showMessage(QString::fromStdString("Opened " + shell_.fileTitle));
     return;
   }
-  showFileMessage("Could not read file %s!", shell_.fileTitle);
-  shell_.fileName.clear();
-  shell_.fileTitle.clear();
-  setCaption();
+  // A file that could not be read left the model as it was, so the model keeps its own file and
+  // title: a later Save writes where the model came from, never over the file refused here.
+  showFileMessage("Could not read file %s!", fileTitle(path));
   shell_.modified = 0;
+}
+
+void MainWindow::rememberFile() {
+  // Kept as a full path: the next session may start in another directory.
+  const QString path = QFileInfo(QString::fromStdString(shell_.fileName)).absoluteFilePath();
+  if (settings_ != nullptr) {
+    recent_ = rememberRecentFile(*settings_, path);
+  } else {
+    recent_.removeAll(path);
+    recent_.prepend(path);
+    while (recent_.size() > kRecentFileCount) recent_.removeLast();
+  }
+  rebuildRecentMenu();
+}
+
+void MainWindow::rebuildRecentMenu() {
+  if (recentMenu_ == nullptr) return;
+  fillRecentFilesMenu(*recentMenu_, recent_, [this](const QString& path) {
+    if (shell_.modified != 0 && askSave() == Answer::Cancel) return;
+    openPath(path.toStdString());
+    setWindowModified(shell_.modified != 0);
+  });
+}
+
+void MainWindow::useSettings(QSettings* settings) {
+  settings_ = settings;
+  if (settings_ == nullptr) return;
+  restoreSession(*settings_, *this, *splitter_, wb_, dynamic_cast<QtPrompter*>(&prompter_));
+  recent_ = ui::recentFiles(*settings_);
+  rebuildRecentMenu();
 }
 
 void MainWindow::printFile() {
@@ -468,9 +524,10 @@ void MainWindow::printFile() {
 void MainWindow::clearModel() {
   // The text area, the file and the modified flag stay, so a later Save writes to the file last
   // opened; only the title forgets it.
-  setWindowTitle(QString::fromStdString(captionText({})));
+  setWindowTitle(QString::fromStdString(captionText({})) + "[*]");
   wb_.resetToDefaults();
   syncToggleChecks();
+  forgetResults();
 }
 
 void MainWindow::exitProgram() {
@@ -489,7 +546,8 @@ void MainWindow::loadExample(int id) {
   if (readModelFile(path, wb_.model, prompter_) != 0) {
     // The title names the example, but the current file is not changed: a later Save writes to
     // the file last opened, or asks for a name.
-    setWindowTitle(QString::fromStdString(captionText(entry->fileName)));
+    setWindowTitle(QString::fromStdString(captionText(entry->fileName)) + "[*]");
+    forgetResults();
     prompter_.inform(std::string(entry->description), "Model Loaded");
     openDescription();
   } else {
@@ -577,7 +635,9 @@ void MainWindow::solveSingle(int method, bool traced, bool sheet) {
     WaitCursor wait;
     solved = runSolveCommand(wb_, method, sheet ? DebugPage::Summary : DebugPage::QlpOlf);
   }
-  if (solved) showResults();
+  if (!solved) return;
+  showResults();
+  statusBar()->showMessage(solvedStatus(wb_, method));
 }
 
 void MainWindow::compare(bool traced) {
@@ -588,12 +648,28 @@ void MainWindow::compare(bool traced) {
     DebugPrintSheet dialog(wb_.debug, this);
     runDialog(dialog);
   }
-  {
-    WaitCursor wait;
-    const MethodSelection chosen = wb_.results.ran.compare;
-    runCompareCommand(wb_, chosen);
+  // The runs go to a worker thread with their own copies of the model and the generator state;
+  // the results come back here, and only a finished comparison is kept.
+  const MethodSelection chosen = wb_.results.ran.compare;
+  CompareSettings settings = compareSettings(wb_, chosen);
+  std::atomic<bool> cancel{false};
+  settings.cancel = &cancel;
+  const Model model = wb_.model;
+  RandomState random = wb_.random;
+  CompareResult result;
+  BackgroundRun(this, prompter_, progress_, cancelButton_)
+      .run([&](Prompter& p, Progress& pr) { result = maincompare(model, settings, random, p, pr); },
+           cancel);
+  wb_.debugFile.close();
+  if (result.cancelled) {
+    statusBar()->showMessage(tr("Compare cancelled: nothing kept"));
+  } else {
+    wb_.random = random;
+    keepCompareResult(wb_, chosen, result);
+    showResults();
+    statusBar()->showMessage(compareStatus(wb_));
   }
-  showResults();
+  finishBackgroundRun();
 }
 
 void MainWindow::updating(bool traced) {
@@ -604,10 +680,24 @@ void MainWindow::updating(bool traced) {
   }
   MethodWoDialog methods(wb_.updatingMethods, this);
   runDialog(methods);
-  {
-    WaitCursor wait;
-    runUpdatingCommand(wb_);
+  UpdatingSettings settings = updatingSettings(wb_);
+  std::atomic<bool> cancel{false};
+  settings.cancel = &cancel;
+  const Model model = wb_.model;
+  RandomState random = wb_.random;
+  UpdatingResult result;
+  BackgroundRun(this, prompter_, progress_, cancelButton_)
+      .run([&](Prompter& p,
+               Progress& pr) { result = maincompareWoUpdating(model, settings, random, p, pr); },
+           cancel);
+  wb_.debugFile.close();
+  if (result.cancelled) {
+    statusBar()->showMessage(tr("Stochastic w/o Updating cancelled: nothing kept"));
+  } else {
+    wb_.random = random;
+    keepUpdatingResult(wb_, result);
   }
+  finishBackgroundRun();
   showResults();
 }
 
@@ -621,6 +711,12 @@ void MainWindow::showResults() {
     resultsView_->show();
     splitResultsArea();
   }
+}
+
+void MainWindow::forgetResults() {
+  wb_.results.clear();
+  resultsView_->clearTable();
+  resultsView_->hide();
 }
 
 void MainWindow::splitResultsArea() {
@@ -707,11 +803,26 @@ int MainWindow::findReplace(FindReplaceAction what, const QString& findText,
 
 // ---- Close ----
 
+// A window closed while runs went on closes once they have stopped.
+void MainWindow::finishBackgroundRun() {
+  if (!closeAfterRun_) return;
+  closeAfterRun_ = false;
+  QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) {
+  if (BackgroundRun::busy(this)) {
+    cancelButton_->click();
+    closeAfterRun_ = true;
+    event->ignore();
+    return;
+  }
   if (shell_.modified != 0 && askSave() == Answer::Cancel) {
     event->ignore();
     return;
   }
+  if (settings_ != nullptr)
+    saveSession(*settings_, *this, *splitter_, wb_, dynamic_cast<QtPrompter*>(&prompter_));
   freeModelArrays(wb_.model);
   event->accept();
 }

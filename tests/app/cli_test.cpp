@@ -110,6 +110,11 @@ TEST(CliInfo, MissingFileFailsWithTheSystemsMessage) {
   const Result j = runCli({"info", path, "--json"});
   EXPECT_EQ(j.code, 1);
   EXPECT_EQ(json::parse(j.out)["error"], "Could not read file " + path + "!");
+
+  spit(dir.file("notes.md"), "# Notes\n");  // not a model file: the same failure, no advice
+  const Result md = runCli({"info", dir.file("notes.md")});
+  EXPECT_EQ(md.code, 1);
+  EXPECT_EQ(md.err, "Ovaro: Could not read file " + dir.file("notes.md") + "!\n");
 }
 
 TEST(CliConvert, RewritesAnExampleByteForByte) {

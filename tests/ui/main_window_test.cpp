@@ -13,6 +13,9 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QStatusBar>
 #include <QTest>
 #include <algorithm>
 #include <array>
@@ -28,6 +31,7 @@
 #include "model/model_file.h"
 #include "results/results_table.h"
 #include "solve/drivers.h"
+#include "stoch/compare.h"
 #include "support/temp_dir.h"
 #include "ui/menu_table.h"
 #include "ui/qt_app.h"
@@ -67,7 +71,7 @@ struct Harness {
       return static_cast<int>(QDialog::Rejected);
     });
   }
-  std::string title() const { return window->windowTitle().toStdString(); }
+  std::string title() const { return window->windowTitle().remove("[*]").toStdString(); }
   std::vector<std::string> texts() const {
     std::vector<std::string> out;
     for (const Message& m : prompter.messages()) out.push_back(m.text);
@@ -663,6 +667,40 @@ TEST(MainWindowSolve, CompareWithAScriptedMethodChoice) {
   h.dialogs.clear();
   h.window->dispatch(141);
   EXPECT_EQ(h.dialogs, std::vector<std::string>{"METHOD_WO"});
+}
+
+// The runs go to a worker thread: the window stays live, and Cancel stops them after the run in
+// hand, keeping no result and leaving the generator where it was.
+TEST(MainWindowSolve, CancelledComparisonKeepsNothing) {
+  testing::TempDir dir;
+  Harness h(exampleCopy(dir, "learn1.ovi"));
+  h.fill = [](QDialog& d) {
+    for (QButtonGroup* g : d.findChildren<QButtonGroup*>())
+      if (QAbstractButton* b = g->button(1620)) b->click();  // CE
+    d.accept();
+    return static_cast<int>(QDialog::Accepted);
+  };
+
+  Workbench& wb = h.window->workbench();
+  wb.model.dims.nmc.set(400);
+  const float seed = wb.random.quarnsSeed;
+  bool disabledWhileRunning = false;
+  QObject::connect(h.window->progressBar(), &QProgressBar::valueChanged, h.window.get(),
+                   [&](int value) {
+                     if (value != 1) return;
+                     disabledWhileRunning = !h.window->menuBar()->isEnabled();
+                     h.window->cancelButton()->click();
+                   });
+  h.window->dispatch(137);
+  EXPECT_TRUE(wb.results.ran.compare[ovaro::kCe]);
+  EXPECT_TRUE(disabledWhileRunning);
+  EXPECT_LT(h.window->progressBar()->value(), 400);
+  EXPECT_EQ(wb.results.find("CE"), nullptr);
+  EXPECT_EQ(wb.random.quarnsSeed, seed);
+  EXPECT_EQ(h.window->statusBar()->currentMessage().toStdString(),
+            "Compare cancelled: nothing kept");
+  EXPECT_TRUE(h.window->menuBar()->isEnabled());
+  EXPECT_FALSE(h.window->cancelButton()->isVisibleTo(h.window.get()));
 }
 
 }  // namespace
