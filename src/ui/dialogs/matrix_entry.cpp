@@ -4,6 +4,7 @@
 #include <QButtonGroup>
 #include <QDialogButtonBox>
 #include <QGridLayout>
+#include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -280,6 +281,13 @@ MatrixEntryDialog::MatrixEntryDialog(const MatrixEntryGroup& group, const Model&
     ++shown;
   }
   layout->addLayout(grid);
+  if (shown == 0) {
+    // An empty dialog would leave a newcomer guessing why there is nothing to enter.
+    layout->addWidget(new QLabel(
+        QStringLiteral("The model holds none of these matrices: create one with File: New "
+                       "or open one with File: Open."),
+        this));
+  }
   auto* box = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
   connect(box, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(box, &QDialogButtonBox::rejected, this, &QDialog::reject);
