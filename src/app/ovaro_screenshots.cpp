@@ -15,6 +15,7 @@
 #include <functional>
 #include <string>
 
+#include "model_screenshots.h"
 #include "numeric/prompter.h"
 #include "ui/main_window.h"
 #include "ui/menu_table.h"
@@ -131,5 +132,8 @@ int main(int argc, char** argv) {
     ovaro::ui::AboutDialog d;
     ok &= save(d, out, "dialog_about");
   }
+  ok &= ovaro::saveModelBuildingShots(examples, [&out](QWidget& w, const QString& name) {
+    return save(w, out, name, name != "matrix_editor");
+  });
   return ok ? 0 : 1;
 }

@@ -82,6 +82,11 @@ class Workbench {
   DebugPrintSettings debug;
   DebugFile debugFile{&resultsFormat};
   std::string debugFileName;  // remembered from one traced command to the next
+
+  // Options: Monte Carlo: the first period (counted from 0) of the variance over time of the
+  // state and of the control paths. Kept for the statistics; they use every period for now.
+  int varianceStartState = 0;
+  int varianceStartControl = 0;
 };
 
 }  // namespace ovaro

@@ -29,6 +29,8 @@
 #include "results/solve_commands.h"
 #include "results/stochastic_commands.h"
 #include "ui/description_dialog.h"
+#include "ui/dialogs/matrix_entry.h"
+#include "ui/dialogs/model_commands.h"
 #include "ui/menu_table.h"
 #include "ui/option_dialogs.h"
 #include "ui/qt_prompter.h"
@@ -164,6 +166,17 @@ MainWindow::MainWindow(Prompter& prompter, const std::string& modelFile, QWidget
   statusBar()->setSizeGripEnabled(true);
   progress_.setBar(progressBar_);
 
+  modelCommands_ = std::make_unique<ModelCommands>(
+      wb_, this, [this](QDialog& dialog) { return runDialog(dialog); },
+      [this](MatrixEditor& editor) {
+        // Driven from outside, the editor is handed over like any dialog; otherwise it runs
+        // with its "Finished Editing" box.
+        if (dialogRunner_) {
+          dialogRunner_(editor);
+        } else {
+          runMatrixEditorInteractively(editor);
+        }
+      });
   buildMenus();
   registerCommands();
 
@@ -321,11 +334,16 @@ void MainWindow::registerCommands() {
   on(cmd::kSelectAll, [this] { textArea_->selectAll(); });
   // Specification and Data: the data-entry dialogs and windows.
   on(cmd::kSpecDescription, [this] { openDescription(); });
-  for (int id : {cmd::kSpecName, cmd::kSpecStochastic, cmd::kSpecForms, cmd::kSpecRandomSource,
-                 cmd::kSpecMonteCarlo, cmd::kDataSize, cmd::kDataAcronyms, cmd::kDataCriterion,
-                 cmd::kDataHcfr}) {
-    unavailable(id);
-  }
+  ModelCommands& mc = *modelCommands_;
+  on(cmd::kSpecName, [&mc] { mc.name(); });
+  on(cmd::kSpecStochastic, [&mc] { mc.stochasticTerms(); });
+  on(cmd::kSpecForms, [&mc] { mc.forms(); });
+  on(cmd::kSpecRandomSource, [&mc] { mc.sourceRandom(); });
+  on(cmd::kSpecMonteCarlo, [&mc] { mc.optionsMonteCarlo(); });
+  on(cmd::kDataSize, [&mc] { mc.size(); });
+  on(cmd::kDataAcronyms, [&mc] { mc.acronyms(); });
+  on(cmd::kDataCriterion, [this, &mc] { mc.matrixEntry(criterionGroup(wb_.model)); });
+  on(cmd::kDataHcfr, [&mc] { mc.matrixEntry("DataInGg"); });
   on(cmd::kDataSystem, [this] { dataSystemEquations(); });
   for (int id :
        {cmd::kDataAdditive, cmd::kDataUncertain, cmd::kDataMeasurement, cmd::kDataPolicy}) {
@@ -363,7 +381,7 @@ void MainWindow::registerCommands() {
   nothing(cmd::kTransSizeHeading);
   for (int id : {86,  88,  90,  92,  94,  96,  98,  81,  100, 102, 103, 104,
                  106, 108, 112, 114, 115, 116, 121, 118, 119, 120, 122, 123}) {
-    unavailable(id);
+    on(id, [&mc, id] { mc.transformation(id); });
   }
   // Preferences, Character, Help
   on(cmd::kPrefResults, [this] { resultsPreferences(); });
@@ -429,10 +447,14 @@ int MainWindow::saveAs() {
 }
 
 void MainWindow::newModel() {
-  // The sizes and forms of a new model are chosen in the data-entry dialogs, which this build
-  // does not have yet. A command that cannot run takes nothing away: the model, its file, its
-  // results and the text area stay as they are.
-  notAvailable(cmd::kNew);
+  if (shell_.modified != 0 && askSave() == Answer::Cancel) return;
+  setTextAreaText({});
+  shell_.fileName.clear();
+  shell_.fileTitle.clear();
+  setCaption();
+  shell_.modified = 0;
+  forgetResults();
+  modelCommands_->newModelSequence();
 }
 
 void MainWindow::openModel() {
@@ -547,7 +569,7 @@ void MainWindow::dataSystemEquations() {
     prompter_.inform("Maximum Lead must be 1, 2 or 3.", "Error");
     return;
   }
-  notAvailable(cmd::kDataSystem);
+  modelCommands_->matrixEntry(systemEquationsGroup(m));
 }
 
 void MainWindow::dataStochastic(int id) {
@@ -584,7 +606,10 @@ void MainWindow::dataStochastic(int id) {
         "N Matrix Not Allocated !");
     return;
   }
-  notAvailable(id);
+  modelCommands_->matrixEntry(id == cmd::kDataAdditive      ? "DataInStochAdd"
+                              : id == cmd::kDataUncertain   ? "DataInStoch"
+                              : id == cmd::kDataMeasurement ? "DataInStochVE"
+                                                            : "DataInN");
 }
 
 // ---- Solve ----

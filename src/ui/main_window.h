@@ -15,6 +15,7 @@
 #include <QStringList>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 
 #include "results/workbench.h"
@@ -31,6 +32,7 @@ class QSplitter;
 
 namespace ovaro::ui {
 
+class ModelCommands;
 class ResultsView;
 
 // What a find/replace request asks for.
@@ -138,6 +140,7 @@ class MainWindow : public QMainWindow {
   std::map<int, std::function<void()>> commands_;
   std::map<int, QAction*> actions_;
   DialogRunner dialogRunner_;
+  std::unique_ptr<ModelCommands> modelCommands_;
   bool settingText_ = false;
 
   QSplitter* splitter_ = nullptr;

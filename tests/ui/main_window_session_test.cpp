@@ -99,17 +99,6 @@ TEST(MainWindowSession, SolvingAnEmptyModelPointsToDataSize) {
   EXPECT_NE(h.p.messages()[0].text.find("under Data: Size,"), std::string::npos);
 }
 
-TEST(MainWindowSession, NewThatCannotRunLosesNothing) {
-  testing::TempDir dir;
-  Window h(copyOf(dir, "track1.ovi"));
-  h.w->dispatch(133);
-  const std::string before = serialized(h.w->workbench().model);
-  h.w->dispatch(21);
-  EXPECT_EQ(serialized(h.w->workbench().model), before);
-  EXPECT_EQ(h.w->shellState().fileName, dir.file("track1.ovi"));
-  EXPECT_TRUE(h.resultsShown());
-}
-
 // Standard keys, the modified mark, and what a restart keeps (in a private settings store).
 TEST(MainWindowSession, ShortcutsModifiedMarkAndWhatARestartKeeps) {
   testing::TempDir dir;
