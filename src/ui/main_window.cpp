@@ -336,11 +336,20 @@ void MainWindow::registerCommands() {
   on(cmd::kSpecDescription, [this] { openDescription(); });
   ModelCommands& mc = *modelCommands_;
   on(cmd::kSpecName, [&mc] { mc.name(); });
-  on(cmd::kSpecStochastic, [&mc] { mc.stochasticTerms(); });
-  on(cmd::kSpecForms, [&mc] { mc.forms(); });
+  // A model reshaped by these dialogs is another model: the results of the old shape go.
+  auto reshaping = [this](auto run) {
+    return [this, run] {
+      const Dimensions dims = wb_.model.dims;
+      const SpecFlags flags = wb_.model.flags;
+      run();
+      if (!(dims == wb_.model.dims) || !(flags == wb_.model.flags)) forgetResults();
+    };
+  };
+  on(cmd::kSpecStochastic, reshaping([&mc] { mc.stochasticTerms(); }));
+  on(cmd::kSpecForms, reshaping([&mc] { mc.forms(); }));
   on(cmd::kSpecRandomSource, [&mc] { mc.sourceRandom(); });
   on(cmd::kSpecMonteCarlo, [&mc] { mc.optionsMonteCarlo(); });
-  on(cmd::kDataSize, [&mc] { mc.size(); });
+  on(cmd::kDataSize, reshaping([&mc] { mc.size(); }));
   on(cmd::kDataAcronyms, [&mc] { mc.acronyms(); });
   on(cmd::kDataCriterion, [this, &mc] { mc.matrixEntry(criterionGroup(wb_.model)); });
   on(cmd::kDataHcfr, [&mc] { mc.matrixEntry("DataInGg"); });

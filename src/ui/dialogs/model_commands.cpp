@@ -3,6 +3,7 @@
 #include <QDialog>
 
 #include "model/options.h"
+#include "model/transform/reconcile.h"
 #include "ui/dialogs/acronym_window.h"
 #include "ui/dialogs/matrix_entry.h"
 #include "ui/dialogs/spec_dialogs.h"
@@ -85,14 +86,14 @@ void ModelCommands::stochasticTerms() {
   const SpecFlags old = wb_.model.flags;
   StochasticTermsDialog dialog(wb_.model.flags, parent_);
   if (run(dialog) != QDialog::Accepted || newModelFlag_) return;
-  keepArraysInShape(old, wb_.model.dims);
+  reconcileSpecification(wb_.model, old, wb_.prompter, [this] { countsDialog(); });
 }
 
 void ModelCommands::forms() {
   const SpecFlags old = wb_.model.flags;
   FormsDialog dialog(wb_.model.flags, parent_);
   if (run(dialog) != QDialog::Accepted || newModelFlag_) return;
-  keepArraysInShape(old, wb_.model.dims);
+  reconcileSpecification(wb_.model, old, wb_.prompter, [this] { countsDialog(); });
 }
 
 void ModelCommands::sourceRandom() {
@@ -115,42 +116,20 @@ void ModelCommands::sizeDialog() {
   const Dimensions old = wb_.model.dims;
   SizeDialog dialog(wb_.model.dims, parent_);
   if (run(dialog) != QDialog::Accepted || newModelFlag_) return;
-  keepArraysInShape(wb_.model.flags, old);
+  reconcileSize(wb_.model, old, wb_.prompter, [this]() -> std::optional<int> {
+    int index = 0, confirmed = 0;
+    DeleteElemDialog ask(index, confirmed, parent_);
+    run(ask);
+    if (confirmed == 0) return std::nullopt;
+    return index;
+  });
 }
 
-// Until the model transformations that carry a changed size or form over to the data are part of
-// this build, a change that would leave the matrices out of shape with the sizes and flags is
-// taken back, so that no solve reads a matrix of the wrong shape and no cell is lost.
-void ModelCommands::keepArraysInShape(const SpecFlags& oldFlags, const Dimensions& oldDims) {
-  Model& model = wb_.model;
-  if (!model.allocated) return;
-  const Dimensions& d = model.dims;
-  const bool sizeChanged = d.n.value != oldDims.n.value || d.m.value != oldDims.m.value ||
-                           d.l.value != oldDims.l.value || d.np.value != oldDims.np.value ||
-                           d.ny.value != oldDims.ny.value || d.nt.value != oldDims.nt.value ||
-                           d.maxLead.value != oldDims.maxLead.value;
-  SpecFlags shapeOnly = model.flags;
-  shapeOnly.randomSource = oldFlags.randomSource;
-  shapeOnly.option450 = oldFlags.option450;
-  shapeOnly.option452 = oldFlags.option452;
-  const bool formChanged = !(shapeOnly == oldFlags);
-  if (!sizeChanged && !formChanged) return;
-  if (sizeChanged) {
-    model.dims.n = oldDims.n;
-    model.dims.m = oldDims.m;
-    model.dims.l = oldDims.l;
-    model.dims.np = oldDims.np;
-    model.dims.ny = oldDims.ny;
-    model.dims.maxLead = oldDims.maxLead;
-    model.dims.initialPeriod = oldDims.initialPeriod;
-    model.dims.terminalPeriod = oldDims.terminalPeriod;
-    model.dims.recomputePeriods();
-  }
-  if (formChanged) model.flags = oldFlags;
-  wb_.prompter.inform(
-      "The data already entered cannot yet be carried over to a changed size or form in this "
-      "build, so the change was taken back. To change them, start a new model with File: New.",
-      "Transformation", Icon::Exclamation);
+// The Size dialog in the middle of a change of stochastic terms: it only takes the new counts,
+// which the transformation that follows puts to use.
+void ModelCommands::countsDialog() {
+  SizeDialog dialog(wb_.model.dims, parent_);
+  run(dialog);
 }
 
 void ModelCommands::acronyms() {

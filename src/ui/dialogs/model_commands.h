@@ -59,7 +59,7 @@ class ModelCommands {
   int run(QDialog& dialog);
   // The "Size" dialog with the reconciliation that follows its OK outside File: New.
   void sizeDialog();
-  void keepArraysInShape(const SpecFlags& oldFlags, const Dimensions& oldDims);
+  void countsDialog();
 
   Workbench& wb_;
   QWidget* parent_;
