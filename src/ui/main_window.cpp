@@ -390,7 +390,7 @@ void MainWindow::registerCommands() {
   nothing(cmd::kTransSizeHeading);
   for (int id : {86,  88,  90,  92,  94,  96,  98,  81,  100, 102, 103, 104,
                  106, 108, 112, 114, 115, 116, 121, 118, 119, 120, 122, 123}) {
-    on(id, [&mc, id] { mc.transformation(id); });
+    on(id, reshaping([&mc, id] { mc.transformation(id); }));
   }
   // Preferences, Character, Help
   on(cmd::kPrefResults, [this] { resultsPreferences(); });

@@ -1,6 +1,7 @@
 #include "model/transform/reconcile.h"
 
 #include <array>
+#include <string>
 
 #include "model/options.h"
 
@@ -246,6 +247,173 @@ void reconcileSpecification(Model& model, const SpecFlags& old, Prompter& prompt
                             const ShowSizeDialog& showSizeDialog) {
   reconcileForms(model, old, prompter);
   reconcileStochasticTerms(model, old.stochTerms, prompter, showSizeDialog);
+}
+
+namespace {
+
+// A form command on a model that is not in the form it starts from would move data that is not
+// there; it says so instead.
+bool inForm(int flag, int from, const char* what, Prompter& prompter) {
+  if (flag == from) return true;
+  prompter.inform(std::string(what) + " is not in the form this transformation starts from.",
+                  kFormCaption);
+  return false;
+}
+
+}  // namespace
+
+bool runTransformationCommand(Model& model, int id, Prompter& prompter,
+                              const ShowSizeDialog& countsDialog, const ShowSizeDialog& sizeDialog,
+                              const AskDeleteElem& askDeleteElem) {
+  SpecFlags& f = model.flags;
+  auto form = [&](int& flag, int from, int to, const char* what, void (*op)(Model&, Prompter&)) {
+    if (!inForm(flag, from, what, prompter)) return;
+    flag = to;
+    op(model, prompter);
+  };
+  auto add = [&](ElementClass cls, Count Dimensions::*count) {
+    const int old = (model.dims.*count).value;
+    (model.dims.*count).set(old + 1);
+    addElements(model, cls, old, prompter);
+  };
+  auto remove = [&](ElementClass cls, Count Dimensions::*count) {
+    const int old = (model.dims.*count).value;
+    (model.dims.*count).set(old - 1);
+    const std::optional<int> index = askDeleteElem ? askDeleteElem() : std::nullopt;
+    // Nothing deleted, nothing changed: the count goes back to what the matrices hold.
+    if (!index || !deleteElement(model, cls, *index, old, prompter)) (model.dims.*count).set(old);
+  };
+  using namespace opt;
+  switch (id) {
+    case 86:
+      form(f.wForm, kWConstant, kWTerminalDifferent, "W", wConstantToTerminalDifferent);
+      return true;
+    case 88:
+      form(f.wForm, kWConstant, kWTimeVarying, "W", wConstantToTimeVarying);
+      return true;
+    case 90:
+      form(f.wForm, kWTimeVarying, kWConstant, "W", wTimeVaryingToConstant);
+      return true;
+    case 92:
+      form(f.lambdaForm, kLambdaConstant, kLambdaTimeVarying, "Lambda",
+           lambdaConstantToTimeVarying);
+      return true;
+    case 94:
+      form(f.lambdaForm, kLambdaTimeVarying, kLambdaConstant, "Lambda",
+           lambdaTimeVaryingToConstant);
+      return true;
+    case 96:
+      form(f.xdesForm, kXdesConstant, kXdesTimeVarying, "X desired", xdesConstantToTimeVarying);
+      return true;
+    case 98:
+      form(f.udesForm, kUdesConstant, kUdesTimeVarying, "U desired", udesConstantToTimeVarying);
+      return true;
+    case 81:
+      form(f.zForm, kZConstant, kZTimeVarying, "Z", zConstantToTimeVarying);
+      return true;
+    case 100:
+      if (f.stochTerms != kDeterministic) {
+        prompter.inform("Beginning Complexity Not Deterministic", kFormCaption);
+        return true;
+      }
+      f.stochTerms = kAdditiveNoise;
+      deterministicToAdditiveNoise(model, prompter);
+      return true;
+    case 102:
+      if (f.stochTerms == kParameterUncertainty) {
+        prompter.inform(
+            "Stochastic Term Specification Already\t\t\t\t\t\t\t\t\r Stochastic with "
+            "Uncertain Parameters",
+            kFormCaption);
+        return true;
+      }
+      f.stochTerms = kParameterUncertainty;
+      prompter.inform(
+          "In the following dialog enter only the number of uncertain parameters and Monte "
+          "Carlo runs.",
+          "Set number of uncertain parameters!");
+      if (countsDialog) countsDialog();
+      deterministicToParameterUncertainty(model, prompter);
+      return true;
+    case 103:
+      if (f.stochTerms != kAdditiveNoise) {
+        prompter.inform(
+            "Beginning Stochastic Term Specification\t\t\t\t\t\t\t\t\r Not Stochastic with "
+            "Additive Noise",
+            kFormCaption);
+        return true;
+      }
+      f.stochTerms = kParameterUncertainty;
+      prompter.inform(
+          "In the following dialog enter only the number\t\t\t\t\t\t\t\t\r of uncertain "
+          "parameters and Monte Carlo runs.",
+          "Set number of uncertain parameters!");
+      if (countsDialog) countsDialog();
+      additiveNoiseToParameterUncertainty(model, prompter);
+      return true;
+    case 104:
+      if (f.stochTerms == kMeasurementError) {
+        prompter.inform(
+            "Stochastic Terms Specification Already\t\t\t\t\t\t\t\r Stochastic with "
+            "Measurement Error",
+            kFormCaption);
+        return true;
+      }
+      f.stochTerms = kMeasurementError;
+      prompter.inform(
+          "In the following dialog enter only the number\t\t\t\t\t\t\t\t\r of observation "
+          "variables.",
+          "Set number of observation variables!");
+      if (countsDialog) countsDialog();
+      parameterUncertaintyToMeasurementError(model, prompter);
+      return true;
+    case 106:
+      if (f.stochTerms == kDeterministic) {
+        prompter.inform("Model Specification Is Already\t\t\t\t\t\t\t\r Deterministic",
+                        kFormCaption);
+        return true;
+      }
+      f.stochTerms = kDeterministic;
+      measurementErrorToDeterministic(model, prompter);
+      return true;
+    case 108:
+      add(ElementClass::States, &Dimensions::n);
+      return true;
+    case 112:
+      add(ElementClass::Controls, &Dimensions::m);
+      return true;
+    case 114:
+      add(ElementClass::Exogenous, &Dimensions::l);
+      return true;
+    case 115:
+      add(ElementClass::Observations, &Dimensions::ny);
+      return true;
+    case 116:
+      add(ElementClass::Parameters, &Dimensions::np);
+      return true;
+    case 121:
+      remove(ElementClass::States, &Dimensions::n);
+      return true;
+    case 118:
+      remove(ElementClass::Controls, &Dimensions::m);
+      return true;
+    case 119:
+      remove(ElementClass::Exogenous, &Dimensions::l);
+      return true;
+    case 120:
+      remove(ElementClass::Observations, &Dimensions::ny);
+      return true;
+    case 122:
+      remove(ElementClass::Parameters, &Dimensions::np);
+      return true;
+    case 123:
+      prompter.inform("In the following dialog modify only the number of the terminal period.",
+                      "Change Terminal Period");
+      if (sizeDialog) sizeDialog();
+      return true;
+    default:
+      return false;
+  }
 }
 
 }  // namespace ovaro

@@ -23,4 +23,12 @@ void reconcileSize(Model& model, const Dimensions& old, Prompter& prompter,
 void reconcileSpecification(Model& model, const SpecFlags& old, Prompter& prompter,
                             const ShowSizeDialog& showSizeDialog);
 
+// One command of the Transformations menu by its id (81 to 123), with the shell's checks first.
+// `countsDialog` is the Size dialog that only takes counts (the moves to uncertain parameters and
+// to measurement error); `sizeDialog` is the Size dialog with its reconciliation (Change Terminal
+// Period). Returns false for an id that is not a transformation.
+bool runTransformationCommand(Model& model, int id, Prompter& prompter,
+                              const ShowSizeDialog& countsDialog, const ShowSizeDialog& sizeDialog,
+                              const AskDeleteElem& askDeleteElem);
+
 }  // namespace ovaro

@@ -155,14 +155,15 @@ void ModelCommands::editModelMatrix(MatrixId id) {
 }
 
 void ModelCommands::transformation(int id) {
-  // The transformations themselves are not part of this build yet; the command says so rather
-  // than doing nothing.
-  const std::string label = menuLabel(id);
-  std::string plain;
-  for (char c : label) {
-    if (c != '&') plain += c;
-  }
-  wb_.prompter.inform(plain + " is not available in this build.", "Ovaro", Icon::Information);
+  runTransformationCommand(
+      wb_.model, id, wb_.prompter, [this] { countsDialog(); }, [this] { sizeDialog(); },
+      [this]() -> std::optional<int> {
+        int index = 0, confirmed = 0;
+        DeleteElemDialog ask(index, confirmed, parent_);
+        run(ask);
+        if (confirmed == 0) return std::nullopt;
+        return index;
+      });
 }
 
 }  // namespace ovaro::ui
