@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "app/cli_transform.h"
 #include "app/model_report.h"
 #include "io/debug_options.h"
 #include "io/number_format.h"
@@ -443,6 +444,8 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
       "convert", "Read a model file and write it again in the current version (321)");
   convertCmd->add_option("in", convertOptions.in, "Model file to read")->required();
   convertCmd->add_option("out", convertOptions.out, "Model file to write")->required();
+  TransformOptions transformOptions;
+  CLI::App* transformCmd = addTransformCommand(app, transformOptions);
 
   SolveOptions solveOptions;
   CLI::App* solveCmd = app.add_subcommand(
@@ -520,6 +523,7 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
 
   if (infoCmd->parsed()) return info(infoOptions, out, err);
   if (convertCmd->parsed()) return convert(convertOptions, err);
+  if (transformCmd->parsed()) return transform(transformOptions, out, err);
   if (solveCmd->parsed()) return solve(solveOptions, out, err);
   const bool tty = &err == &std::cerr && isatty(STDERR_FILENO);
   if (compareCmd->parsed()) return compare(compareOptions, tty, out, err);
