@@ -10,6 +10,7 @@
 #include <QButtonGroup>
 #include <QClipboard>
 #include <QDialog>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPlainTextEdit>
@@ -33,6 +34,7 @@
 #include "solve/drivers.h"
 #include "stoch/compare.h"
 #include "support/temp_dir.h"
+#include "ui/dialogs/spec_dialogs.h"
 #include "ui/menu_table.h"
 #include "ui/qt_app.h"
 #include "ui/results_view.h"
@@ -701,6 +703,32 @@ TEST(MainWindowSolve, CancelledComparisonKeepsNothing) {
             "Compare cancelled: nothing kept");
   EXPECT_TRUE(h.window->menuBar()->isEnabled());
   EXPECT_FALSE(h.window->cancelButton()->isVisibleTo(h.window.get()));
+}
+
+// Data: Size on a model with data grows it through the transformation (old cells kept, old
+// results gone); Delete a State Variable takes the new state out again.
+TEST(MainWindowModel, SizeAndTransformationsReshapeTheModel) {
+  testing::TempDir dir;
+  Harness h(exampleCopy(dir, "track1.ovi"));
+  Workbench& wb = h.window->workbench();
+  const TextMatrix a = *wb.model.matrix(MatrixId::A);
+  h.window->dispatch(133);
+  ASSERT_NE(wb.results.find("QLP"), nullptr);
+  h.fill = [](QDialog& d) {
+    if (auto* size = qobject_cast<SizeDialog*>(&d)) size->field(303)->setText("2");
+    if (auto* del = qobject_cast<DeleteElemDialog*>(&d)) del->field()->setText("2");
+    d.accept();
+    return static_cast<int>(QDialog::Accepted);
+  };
+  h.prompter.setAnswerYes(true);
+  h.window->dispatch(65);
+  EXPECT_EQ(wb.model.dims.n.value, 2);
+  ASSERT_EQ(wb.model.matrix(MatrixId::A)->rows(), 2);
+  EXPECT_EQ(wb.model.matrix(MatrixId::A)->cell(0, 0), a.cell(0, 0));
+  EXPECT_EQ(wb.results.find("QLP"), nullptr);
+  h.window->dispatch(121);
+  EXPECT_EQ(wb.model.dims.n.value, 1);
+  EXPECT_EQ(*wb.model.matrix(MatrixId::A), a);
 }
 
 }  // namespace
