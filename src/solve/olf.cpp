@@ -6,18 +6,13 @@ namespace ovaro {
 
 void expectedQuadForm(int rows, int colsX, int colsY, const Mat& x, const Mat& y, const IMat& occX,
                       const IMat& occY, const Mat& sitt, const Mat& k, Mat& out) {
-  // A term of a certain element whose x or y factor is exactly zero is a signed zero, and adding
-  // it to a sum that starts at +0 changes no bit: such terms are skipped, which spares most of the
-  // work in the sparse systems economists write.
   for (int i = 1; i <= colsX; ++i) {
     for (int j = 1; j <= colsY; ++j) {
       double sum = 0.0;
       for (int r = 1; r <= rows; ++r) {
         const int kx = occX(r, i);
-        if (kx == 0 && x(r, i) == 0.0) continue;
         for (int s = 1; s <= rows; ++s) {
           const int ky = occY(s, j);
-          if (ky == 0 && y(s, j) == 0.0) continue;
           if (kx * ky > 0) {
             sum += (x(r, i) * y(s, j) + sitt(kx, ky)) * k(r, s);
           } else {
