@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "app/answering_prompter.h"
 #include "app/cli_transform.h"
 #include "app/model_report.h"
 #include "io/debug_options.h"
@@ -217,19 +218,6 @@ int solve(const SolveOptions& o, std::ostream& out, std::ostream& err) {
   }
   return kExitOk;
 }
-
-// A prompter for the Monte Carlo commands: questions are answered Yes, or No with --no.
-class AnsweringPrompter final : public RecordingPrompter {
- public:
-  AnsweringPrompter(std::ostream* echo, bool no) : RecordingPrompter(echo), no_(no) {}
-  Answer show(const Message& message) override {
-    if (message.buttons != Buttons::Ok) scriptAnswer(no_ ? Answer::No : Answer::Yes);
-    return RecordingPrompter::show(message);
-  }
-
- private:
-  bool no_;
-};
 
 // The run count on stderr, redrawn in place, when stderr is a terminal.
 class TerminalProgress final : public Progress {

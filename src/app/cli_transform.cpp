@@ -6,6 +6,7 @@
 #include <ostream>
 #include <sstream>
 
+#include "app/answering_prompter.h"
 #include "app/model_report.h"
 #include "model/model_file.h"
 #include "model/transform/reconcile.h"
@@ -18,19 +19,6 @@ namespace {
 constexpr int kExitOk = 0;
 constexpr int kExitFailed = 1;
 constexpr int kExitUsage = 2;
-
-// Questions answered as the command line says; every message kept and echoed.
-class StepPrompter final : public RecordingPrompter {
- public:
-  StepPrompter(std::ostream* echo, bool no) : RecordingPrompter(echo), no_(no) {}
-  Answer show(const Message& message) override {
-    if (message.buttons != Buttons::Ok) scriptAnswer(no_ ? Answer::No : Answer::Yes);
-    return RecordingPrompter::show(message);
-  }
-
- private:
-  bool no_;
-};
 
 // Friendly names of the Transformations menu's commands.
 const std::map<std::string, int>& friendlyIds() {
@@ -252,7 +240,7 @@ CLI::App* addTransformCommand(CLI::App& app, TransformOptions& o) {
 }
 
 int transform(const TransformOptions& o, std::ostream& out, std::ostream& err) {
-  StepPrompter prompter(&err, o.no);
+  AnsweringPrompter prompter(&err, o.no);
   Model model;
   auto finish = [&](bool ok, int code) {
     if (o.json) out << dumpJson({{"ok", ok}, {"messages", messagesJson(prompter.messages())}});

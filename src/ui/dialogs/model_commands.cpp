@@ -116,13 +116,16 @@ void ModelCommands::sizeDialog() {
   const Dimensions old = wb_.model.dims;
   SizeDialog dialog(wb_.model.dims, parent_);
   if (run(dialog) != QDialog::Accepted || newModelFlag_) return;
-  reconcileSize(wb_.model, old, wb_.prompter, [this]() -> std::optional<int> {
-    int index = 0, confirmed = 0;
-    DeleteElemDialog ask(index, confirmed, parent_);
-    run(ask);
-    if (confirmed == 0) return std::nullopt;
-    return index;
-  });
+  reconcileSize(wb_.model, old, wb_.prompter, [this] { return deleteElemDialog(); });
+}
+
+// "DeleteElem": the number typed, or nothing when it was cancelled.
+std::optional<int> ModelCommands::deleteElemDialog() {
+  int index = 0, confirmed = 0;
+  DeleteElemDialog ask(index, confirmed, parent_);
+  run(ask);
+  if (confirmed == 0) return std::nullopt;
+  return index;
 }
 
 // The Size dialog in the middle of a change of stochastic terms: it only takes the new counts,
@@ -157,13 +160,7 @@ void ModelCommands::editModelMatrix(MatrixId id) {
 void ModelCommands::transformation(int id) {
   runTransformationCommand(
       wb_.model, id, wb_.prompter, [this] { countsDialog(); }, [this] { sizeDialog(); },
-      [this]() -> std::optional<int> {
-        int index = 0, confirmed = 0;
-        DeleteElemDialog ask(index, confirmed, parent_);
-        run(ask);
-        if (confirmed == 0) return std::nullopt;
-        return index;
-      });
+      [this] { return deleteElemDialog(); });
 }
 
 }  // namespace ovaro::ui

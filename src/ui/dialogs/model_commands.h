@@ -7,6 +7,8 @@
 // keeps one ModelCommands and calls it from its command table.
 #pragma once
 
+#include <optional>
+
 #include <functional>
 #include <string_view>
 
@@ -60,6 +62,7 @@ class ModelCommands {
   // The "Size" dialog with the reconciliation that follows its OK outside File: New.
   void sizeDialog();
   void countsDialog();
+  std::optional<int> deleteElemDialog();
 
   Workbench& wb_;
   QWidget* parent_;
