@@ -9,7 +9,7 @@ DEFAULT_EXAMPLE ?= examples/track1.ovi
 CLI = build/default/src/app/ovaro-cli
 GUI = build/default/src/app/ovaro
 
-.PHONY: run test bootstrap build test-default test-asan fuzz bench screenshots clean
+.PHONY: run test bootstrap build check-layers check-format test-default test-asan fuzz bench screenshots clean
 
 # With a display, the workbench opens on the default example; without one (a plain terminal, CI),
 # the batch tool solves it by QLP and prints the table.
@@ -30,7 +30,15 @@ build: bootstrap
 	@cmake --preset default >/dev/null
 	@cmake --build --preset default -j $(JOBS)
 
-test: test-default test-asan fuzz
+test: check-layers check-format test-default test-asan fuzz
+
+# A source layer includes only its own and lower layers; no Qt below src/ui.
+check-layers:
+	@scripts/check-layers.sh
+
+# Every C++ file as the formatter leaves it.
+check-format: bootstrap
+	@git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run -Werror
 
 test-default: build
 	@ctest --preset default -j $(JOBS)

@@ -9,6 +9,7 @@ packages=(
   make
   g++
   clang
+  clang-format
   libclang-rt-14-dev
   libgtest-dev
   libgmock-dev

@@ -12,7 +12,9 @@
 #include <string>
 #include <vector>
 
+#include "app/answering_prompter.h"
 #include "app/cli_plot.h"
+#include "app/cli_transform.h"
 #include "app/model_report.h"
 #include "io/debug_options.h"
 #include "io/number_format.h"
@@ -218,19 +220,6 @@ int solve(const SolveOptions& o, std::ostream& out, std::ostream& err) {
   return kExitOk;
 }
 
-// A prompter for the Monte Carlo commands: questions are answered Yes, or No with --no.
-class AnsweringPrompter final : public RecordingPrompter {
- public:
-  AnsweringPrompter(std::ostream* echo, bool no) : RecordingPrompter(echo), no_(no) {}
-  Answer show(const Message& message) override {
-    if (message.buttons != Buttons::Ok) scriptAnswer(no_ ? Answer::No : Answer::Yes);
-    return RecordingPrompter::show(message);
-  }
-
- private:
-  bool no_;
-};
-
 // The run count on stderr, redrawn in place, when stderr is a terminal.
 class TerminalProgress final : public Progress {
  public:
@@ -270,6 +259,7 @@ struct MonteCarloOptions {
   std::string trace;
   int printRun = 0;
   int format = 0;
+  int threads = 0;
 };
 
 // Sets up a workbench for a Monte Carlo command: the model, the seed, the debug file and switches.
@@ -293,6 +283,7 @@ int prepareMonteCarlo(const MonteCarloOptions& o, Workbench& wb, RecordingPrompt
   }
   wb.random.quarnsSeed = static_cast<float>(o.seed);
   wb.resultsFormat = o.format;
+  wb.threads = o.threads;
   if (!o.debug.empty() && !wb.debugFile.open(o.debug)) {
     fileMessage(prompter, "Could not write file %s", o.debug);
     return failed();
@@ -443,6 +434,8 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
       "convert", "Read a model file and write it again in the current version (321)");
   convertCmd->add_option("in", convertOptions.in, "Model file to read")->required();
   convertCmd->add_option("out", convertOptions.out, "Model file to write")->required();
+  TransformOptions transformOptions;
+  CLI::App* transformCmd = addTransformCommand(app, transformOptions);
 
   SolveOptions solveOptions;
   CLI::App* solveCmd = app.add_subcommand(
@@ -493,6 +486,12 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
         ->needs(cmd->get_option("--debug"));
     cmd->add_option("--print-run", o->printRun, "Print only this run in detail")
         ->check(CLI::Range(1, 1000000));
+    cmd->add_option("--threads", o->threads,
+                    isCompare ? "Threads for the runs (default: one per core); the results are the "
+                                "same to the bit whatever the number, and a run with --debug stays "
+                                "on one thread"
+                              : "Accepted as for compare; these runs stay on one thread for now")
+        ->check(CLI::Range(1, 1024));
     if (isCompare)
       cmd->add_option("--format", o->format, "Number format id of the one-run table")
           ->check(CLI::IsMember(formatIds));
@@ -516,6 +515,7 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
 
   if (infoCmd->parsed()) return info(infoOptions, out, err);
   if (convertCmd->parsed()) return convert(convertOptions, err);
+  if (transformCmd->parsed()) return transform(transformOptions, out, err);
   if (solveCmd->parsed()) return solve(solveOptions, out, err);
   if (plotOptions->command->parsed()) return runPlotCommand(*plotOptions, out, err);
   const bool tty = &err == &std::cerr && isatty(STDERR_FILENO);

@@ -16,6 +16,7 @@
 #include <string>
 
 #include "app/plot_screenshots.h"
+#include "model_screenshots.h"
 #include "numeric/prompter.h"
 #include "ui/main_window.h"
 #include "ui/menu_table.h"
@@ -132,6 +133,9 @@ int main(int argc, char** argv) {
     ovaro::ui::AboutDialog d;
     ok &= save(d, out, "dialog_about");
   }
+  ok &= ovaro::saveModelBuildingShots(examples, [&out](QWidget& w, const QString& name) {
+    return save(w, out, name, name != "matrix_editor");
+  });
   // The plot windows of a comparison and of two scenarios.
   ok &= ovaro::screenshots::savePlotScreenshots(
       examples, [&](QWidget& w, const QString& name) { return save(w, out, name, false); });

@@ -100,6 +100,17 @@ int readInt(FieldCursor& in) {
   return toInt(in.next(kShortFieldChars));
 }
 
+// A whole number as a model file writes its version and sizes: digits with an optional sign,
+// blanks around them allowed. Prose, a decimal point or an empty field is not one.
+bool isWholeNumber(std::string_view text) {
+  const auto first = text.find_first_not_of(' ');
+  if (first == std::string_view::npos) return false;
+  text = text.substr(first, text.find_last_not_of(' ') - first + 1);
+  if (text.front() == '+' || text.front() == '-') text.remove_prefix(1);
+  return !text.empty() &&
+         std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
 }  // namespace
 
 std::string fileTitle(std::string_view path) {
@@ -117,12 +128,12 @@ int readModelBytes(std::string_view bytes, std::string_view fileName, Model& mod
   next.randomSwitches = model.randomSwitches;
   next.display = model.display;
 
-  // 1. Version.
-  next.fileVersion = readInt(in);
+  // 1. Version. A file that does not open with a whole number is not a model file, whatever
+  // its name: it is refused before anything is read from it, so the model and its file stay.
+  const std::string versionText = in.next(kShortFieldChars);
+  if (!isWholeNumber(versionText)) return 0;
+  next.fileVersion = toInt(versionText);
   const int v = next.fileVersion;
-  if (v < kV317Current)
-    prompter.inform("Please upgrade: Do File:Save, then exit and restart Ovaro.",
-                    "Warning: Input File Version Out of Date", Icon::Exclamation);
 
   // 2, 3. Acronym and name.
   next.acronym = in.next(kModelAcronymChars);
@@ -141,6 +152,14 @@ int readModelBytes(std::string_view bytes, std::string_view fileName, Model& mod
   readCount(in, d.np);
   readCount(in, d.nmc);
   readCount(in, d.ny);
+  // Every version writes its sizes as whole numbers, or leaves them empty for a cleared model;
+  // anything else means the fields are prose.
+  for (const Count* c : {&d.n, &d.m, &d.l, &d.initialPeriod, &d.terminalPeriod, &d.maxLead,
+                         &d.iterlim, &d.np, &d.nmc, &d.ny})
+    if (!c->text.empty() && !isWholeNumber(c->text)) return 0;
+  if (v < kV317Current)
+    prompter.inform("Please upgrade: Do File:Save, then exit and restart Ovaro.",
+                    "Warning: Input File Version Out of Date", Icon::Exclamation);
   d.recomputePeriods();
 
   // 5. Forms.

@@ -19,10 +19,11 @@ inline constexpr std::uint64_t kLargeModelFileBytes = 128000;  // the size warni
 inline constexpr std::uint64_t kReadCountModulus = 65536;      // the read count is 16 bits wide
 
 // Reads the model file at `path` into `model` and returns 1; returns 0, leaving `model` as it was,
-// when the file cannot be opened or read (no message: the caller reports it) or when it declares
-// sizes that Ovaro does not accept (after an "Error" message naming them). A file of 128000 bytes
-// or more draws a warning first. Only (length modulo 65536) bytes are read: the read count is a
-// 16-bit quantity, and that is how model files have always been read.
+// when the file cannot be opened or read, or is not a model file at all: its version or one of
+// its sizes is not a whole number (no message in either case: the caller reports it); or when it
+// declares sizes that Ovaro does not accept (after an "Error" message naming them). A file of
+// 128000 bytes or more draws a warning first. Only (length modulo 65536) bytes are read: the read
+// count is a 16-bit quantity, and that is how model files have always been read.
 int readModelFile(const std::string& path, Model& model, Prompter& prompter);
 
 // Reads a model from the bytes a read of a model file produced. `fileName` names the file in

@@ -98,6 +98,11 @@ void mmul3(int n, int p, int q, int m, const Mat& A, const Mat& B, const Mat& D,
 void mtransmul(int n, int p, int m, const Mat& A, const Mat& B, const Mat& D, const Mat& E,
                Mat& C) {
   Mat BD = mat2(1, n, 1, m);
+  mtransmul(n, p, m, A, B, D, E, C, BD);
+}
+
+void mtransmul(int n, int p, int m, const Mat& A, const Mat& B, const Mat& D, const Mat& E, Mat& C,
+               Mat& BD) {
   mmul(n, n, m, B, D, BD);
   for (int i = 1; i <= p; ++i)
     for (int j = 1; j <= m; ++j) {
@@ -113,10 +118,10 @@ namespace {
 // there is one. The traced and the untraced entry points share this body so that they cannot
 // drift apart by a single rounding.
 void quadFormDiag(int n, int m, int k, const Mat& A, const Mat& K, const Mat& V, Mat& C,
-                  MatrixTrace* trace) {
-  Mat KA = mat2(1, m, 1, n);
-  Mat At = mat2(1, n, 1, m);
-  Mat AtKA = mat2(1, n, 1, n);
+                  MatrixTrace* trace, QuadFormWork& work) {
+  Mat& KA = work.ka;
+  Mat& At = work.at;
+  Mat& AtKA = work.atka;
   if (trace != nullptr) {
     trace->matrix("kuc in mmul31tv", 1, m, 1, m, K);
     trace->matrix("a in mmul31tv", 1, m, 1, n, A);
@@ -132,13 +137,28 @@ void quadFormDiag(int n, int m, int k, const Mat& A, const Mat& K, const Mat& V,
 
 }  // namespace
 
+QuadFormWork::QuadFormWork(int n, int m)
+    : ka(mat2(1, m, 1, n)), at(mat2(1, n, 1, m)), atka(mat2(1, n, 1, n)) {}
+
 void mmul31tv(int n, int m, int k, const Mat& A, const Mat& K, const Mat& V, Mat& C,
               MatrixTrace* trace) {
-  quadFormDiag(n, m, k, A, K, V, C, trace);
+  QuadFormWork work(n, m);
+  quadFormDiag(n, m, k, A, K, V, C, trace, work);
+}
+
+void mmul31tv(int n, int m, int k, const Mat& A, const Mat& K, const Mat& V, Mat& C,
+              MatrixTrace* trace, QuadFormWork& work) {
+  quadFormDiag(n, m, k, A, K, V, C, trace, work);
 }
 
 void mqformdiag(int n, int m, int k, const Mat& A, const Mat& K, const Mat& V, Mat& C) {
-  quadFormDiag(n, m, k, A, K, V, C, nullptr);
+  QuadFormWork work(n, m);
+  quadFormDiag(n, m, k, A, K, V, C, nullptr, work);
+}
+
+void mqformdiag(int n, int m, int k, const Mat& A, const Mat& K, const Mat& V, Mat& C,
+                QuadFormWork& work) {
+  quadFormDiag(n, m, k, A, K, V, C, nullptr, work);
 }
 
 void mtrans(int n, int m, const Mat& A, Mat& B) {
@@ -165,12 +185,24 @@ double mtrace2(int n, int m, const Mat& A, const Mat& B) {
 }
 
 // trace(A B C D), one running sum over all four indices rather than through explicit products.
+// The terms are added in the nesting order i, j, k, l, each as ((A B) C) D. A term whose A or C
+// factor is exactly zero is skipped: with finite factors it is a signed zero, and adding a zero to
+// a sum that starts at +0 changes no bit. (The filter passes parameter-derivative slices here,
+// which are almost all zeros.)
 double mtrace4(int n, int m, const Mat& A, const Mat& B, const Mat& C, const Mat& D) {
   double sum = 0.0;
   for (int i = 1; i <= n; ++i)
     for (int j = 1; j <= n; ++j)
-      for (int k = 1; k <= m; ++k)
-        for (int l = 1; l <= m; ++l) sum += A(i, k) * B(k, j) * C(j, l) * D(l, i);
+      for (int k = 1; k <= m; ++k) {
+        const double a = A(i, k);
+        if (a == 0.0) continue;
+        const double ab = a * B(k, j);
+        for (int l = 1; l <= m; ++l) {
+          const double c = C(j, l);
+          if (c == 0.0) continue;
+          sum += ab * c * D(l, i);
+        }
+      }
   return sum;
 }
 
@@ -222,11 +254,29 @@ void vrowset(int n, int k, const Mat& A, Mat& B) {
 // element of its own row, a later row winning a tie. Nothing guards a singular matrix: a zero row
 // gives an infinite scale and a zero pivot is divided by, so the inverse comes back with
 // infinities or NaNs. Callers that can meet a singular matrix test their inputs themselves.
+MinvWork::MinvWork(int n)
+    : perm(imat2(1, n, 1, 1)),
+      L(mat2(1, n, 1, n)),
+      U(mat2(1, n, 1, n)),
+      scale(vec1(1, n)),
+      b(vec1(1, n)),
+      y(vec1(1, n)),
+      x(vec1(1, n)) {}
+
 void minv(int n, const Mat& A, Mat& Ainv) {
-  IMat perm = imat2(1, n, 1, 1);
-  Mat L = mat2(1, n, 1, n);
-  Mat U = mat2(1, n, 1, n);
-  Vec scale = vec1(1, n);
+  MinvWork work(n);
+  minv(n, A, Ainv, work);
+}
+
+void minv(int n, const Mat& A, Mat& Ainv, MinvWork& work) {
+  IMat& perm = work.perm;
+  Mat& L = work.L;
+  Mat& U = work.U;
+  Vec& scale = work.scale;
+  // The factors start from zero, as fresh arrays would, so that a reused scratch gives the same
+  // bits: the row swaps below move elements not yet computed.
+  for (int i = 1; i <= n; ++i)
+    for (int j = 1; j <= n; ++j) L(i, j) = U(i, j) = 0.0;
   for (int i = 1; i <= n; ++i) perm(i, 1) = i;
 
   for (int i = 1; i <= n; ++i) {
@@ -273,9 +323,9 @@ void minv(int n, const Mat& A, Mat& Ainv) {
   for (int i = 1; i <= n; ++i) L(i, i) = 1.0;
 
   // Column c of the inverse solves L U x = P e_c.
-  Vec b = vec1(1, n);
-  Vec y = vec1(1, n);
-  Vec x = vec1(1, n);
+  Vec& b = work.b;
+  Vec& y = work.y;
+  Vec& x = work.x;
   for (int c = 1; c <= n; ++c) {
     for (int i = 1; i <= n; ++i) b(i) = perm(i, 1) == c ? 1.0 : 0.0;
     for (int i = 1; i <= n; ++i) {

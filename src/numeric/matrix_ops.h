@@ -56,13 +56,26 @@ void mmul(int n, int p, int m, const Mat& A, const Mat& B, Mat& C);
 void mmul3(int n, int p, int q, int m, const Mat& A, const Mat& B, const Mat& D, Mat& C);
 // C (p x m) = A' (B D) + E, for A n x p, B n x n, D n x m, E p x m.
 void mtransmul(int n, int p, int m, const Mat& A, const Mat& B, const Mat& D, const Mat& E, Mat& C);
+// The same with the scratch product B D (at least n x m) given, so that nothing is allocated.
+void mtransmul(int n, int p, int m, const Mat& A, const Mat& B, const Mat& D, const Mat& E, Mat& C,
+               Mat& BD);
+// Scratch of the quadratic form A' K A for A up to m x n: K A, A' and A' K A. Made once by a
+// caller that forms the product in a loop, so that the loop allocates nothing.
+struct QuadFormWork {
+  QuadFormWork(int n, int m);
+  Mat ka, at, atka;
+};
 // C (n x n) = A' (K A) + diag(V(., k)), for A m x n and K m x m. With a trace, the operands and
 // products are shown as "kuc in mmul31tv" (K), "a in mmul31tv" (A), "kuca in mmul31tv" (K A),
 // "at in mmul31tv" (A') and "atkuca in mmul31tv" (A' K A).
 void mmul31tv(int n, int m, int k, const Mat& A, const Mat& K, const Mat& V, Mat& C,
               MatrixTrace* trace);
+void mmul31tv(int n, int m, int k, const Mat& A, const Mat& K, const Mat& V, Mat& C,
+              MatrixTrace* trace, QuadFormWork& work);
 // The same product as mmul31tv, never traced.
 void mqformdiag(int n, int m, int k, const Mat& A, const Mat& K, const Mat& V, Mat& C);
+void mqformdiag(int n, int m, int k, const Mat& A, const Mat& K, const Mat& V, Mat& C,
+                QuadFormWork& work);
 // B (m x n) = A' for A n x m.
 void mtrans(int n, int m, const Mat& A, Mat& B);
 // B(j, i) = A(i, j) over the given bounds of A.
@@ -99,6 +112,15 @@ void vrowset(int n, int k, const Mat& A, Mat& B);
 // scaling, a later row winning a tie for the pivot. A singular matrix is not detected: zero
 // pivots are divided by, and infinities or NaNs flow into the result without a message.
 void minv(int n, const Mat& A, Mat& Ainv);
+// Scratch of minv for matrices up to n x n; with it, an inversion allocates nothing and computes
+// exactly what minv computes.
+struct MinvWork {
+  explicit MinvWork(int n);
+  IMat perm;
+  Mat L, U;
+  Vec scale, b, y, x;
+};
+void minv(int n, const Mat& A, Mat& Ainv, MinvWork& work);
 
 // The first power of two whose addition to 1.0 is lost (2^-53 for IEEE doubles), found by
 // halving from 1.0. Computed once at start-up and kept by the caller.

@@ -19,10 +19,19 @@ namespace ovaro {
 // compared method's last run becomes a scenario when the user asks for scenarios.
 CompareResult runCompareCommand(Workbench& wb, const MethodSelection& methods,
                                 std::optional<int> runs = std::nullopt);
+// The two halves of it, for a caller that runs the comparison elsewhere (the workbench runs it on
+// a worker thread): the settings the workbench gives, and the keeping of a finished comparison's
+// results (nothing is kept unless it finished).
+CompareSettings compareSettings(Workbench& wb, const MethodSelection& methods,
+                                std::optional<int> runs = std::nullopt);
+// The run paths move into the store: `result` no longer holds them afterwards.
+void keepCompareResult(Workbench& wb, const MethodSelection& methods, CompareResult& result);
 
 // "Stochastic w/o Updating" with the workbench's method choice. The last run's paths are stored
 // as the HCFR solution.
 UpdatingResult runUpdatingCommand(Workbench& wb, std::optional<int> runs = std::nullopt);
+UpdatingSettings updatingSettings(Workbench& wb, std::optional<int> runs = std::nullopt);
+void keepUpdatingResult(Workbench& wb, const UpdatingResult& result);
 
 // The commands of the parameter-updating group that have no driver of their own answer this.
 inline constexpr const char* kNotSupportedYet = "This option not supported yet.";

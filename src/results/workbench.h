@@ -74,6 +74,8 @@ class Workbench {
 
   // The random generators' state: it survives from one solve to the next.
   RandomState random;
+  // Threads for the untraced Monte Carlo runs (0: one per core). The results do not depend on it.
+  int threads = 0;
   // The choice of "Methods for Stochastic w/o Updating". (The Compare method choice is the
   // results store's run flags.)
   UpdatingMethods updatingMethods;
@@ -90,6 +92,11 @@ class Workbench {
   DebugPrintSettings debug;
   DebugFile debugFile{&resultsFormat};
   std::string debugFileName;  // remembered from one traced command to the next
+
+  // Options: Monte Carlo: the first period (counted from 0) of the variance over time of the
+  // state and of the control paths. Kept for the statistics; they use every period for now.
+  int varianceStartState = 0;
+  int varianceStartControl = 0;
 };
 
 }  // namespace ovaro

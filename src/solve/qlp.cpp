@@ -62,7 +62,7 @@ bool checkSolveInputs(const Model& model, Prompter& prompter) {
   if (d.n.value < 1 || d.m.value < 1 || d.nt.value < 2 || d.l.value < 0) {
     prompter.inform(
         "The model needs at least one state variable, one control variable and two "
-        "time periods to be solved. Set them under Specification: Size, then enter "
+        "time periods to be solved. Set them under Data: Size, then enter "
         "the data.",
         kErrorCaption, Icon::Stop);
     return false;
@@ -287,7 +287,16 @@ RiccatiWork::RiccatiWork(int n, int m)
       thetalc(mat2(1, m, 1, 1)),
       thetainv(mat2(1, m, 1, m)),
       g(mat2(1, m, 1, n)),
-      glc(mat2(1, m, 1, 1)) {}
+      glc(mat2(1, m, 1, 1)),
+      scratch(n, m) {}
+
+RiccatiScratch::RiccatiScratch(int n, int m)
+    : q(mat2(1, n, 1, 1)),
+      psithinv(mat2(1, n, 1, m)),
+      kb(mat2(1, n, 1, m)),
+      quadA(n, n),
+      quadB(m, n),
+      inverse(m) {}
 
 void RiccatiWork::terminal(int n, int nt, const Mat& ws, const Mat& wlcs) {
   mzero(n, n, k);
@@ -329,8 +338,8 @@ int pathsAndCriterion(const SystemArrays& sys, const CriterionArrays& crit,
 }
 
 int comphi(int n, int m, int nt, int t, const Mat& a, const Mat& b, const Mat& f, const Mat& k,
-           const Mat& lams, const Mat& ws, Mat& phi, Mat& psi, Mat& theta,
-           const SolveTrace& trace) {
+           const Mat& lams, const Mat& ws, Mat& phi, Mat& psi, Mat& theta, const SolveTrace& trace,
+           RiccatiScratch* scratch) {
   const bool traced = trace.on(SolveTopic::PhiThetaPsi);
   int ok = 1;
   if (traced) {
@@ -339,9 +348,15 @@ int comphi(int n, int m, int nt, int t, const Mat& a, const Mat& b, const Mat& f
     ok &= d.dumpMatrix("kj1 in comphi", 1, n, 1, n, k);
     ok &= d.dumpMatrix("ws in comphi", 1, n, 0, nt, ws);
   }
-  mmul31tv(n, n, t, a, k, ws, phi, trace.matrixTrace(SolveTopic::PhiThetaPsi));
-  mqformdiag(m, n, t, b, k, lams, theta);
-  mtransmul(n, n, m, a, k, b, f, psi);
+  if (scratch != nullptr) {
+    mmul31tv(n, n, t, a, k, ws, phi, trace.matrixTrace(SolveTopic::PhiThetaPsi), scratch->quadA);
+    mqformdiag(m, n, t, b, k, lams, theta, scratch->quadB);
+    mtransmul(n, n, m, a, k, b, f, psi, scratch->kb);
+  } else {
+    mmul31tv(n, n, t, a, k, ws, phi, trace.matrixTrace(SolveTopic::PhiThetaPsi));
+    mqformdiag(m, n, t, b, k, lams, theta);
+    mtransmul(n, n, m, a, k, b, f, psi);
+  }
   if (traced) {
     DebugFile& d = trace.file();
     ok &= d.dumpMatrix("phi in comphi", 1, n, 1, n, phi);
@@ -355,8 +370,10 @@ int comphi(int n, int m, int nt, int t, const Mat& a, const Mat& b, const Mat& f
 }
 
 void comphilc(int n, int m, int t, const Mat& a, const Mat& b, const Mat& cs, const Mat& k,
-              const Mat& p, const Mat& wlcs, const Mat& lamlcs, Mat& philc, Mat& thetalc) {
-  Mat q = mat2(1, n, 1, 1);
+              const Mat& p, const Mat& wlcs, const Mat& lamlcs, Mat& philc, Mat& thetalc,
+              RiccatiScratch* scratch) {
+  Mat own = scratch != nullptr ? Mat() : mat2(1, n, 1, 1);
+  Mat& q = scratch != nullptr ? scratch->q : own;
   for (int i = 1; i <= n; ++i) {
     double kc = 0.0;
     for (int j = 1; j <= n; ++j) kc += k(i, j) * cs(j, t);
@@ -375,9 +392,14 @@ void comphilc(int n, int m, int t, const Mat& a, const Mat& b, const Mat& cs, co
 }
 
 void riccatiUpdate(int n, int m, const Mat& phi, const Mat& psi, const Mat& theta, const Mat& philc,
-                   const Mat& thetalc, Mat& thetainv, Mat& k, Mat& p, Mat& g, Mat& glc) {
-  minv(m, theta, thetainv);
-  Mat psithinv = mat2(1, n, 1, m);
+                   const Mat& thetalc, Mat& thetainv, Mat& k, Mat& p, Mat& g, Mat& glc,
+                   RiccatiScratch* scratch) {
+  if (scratch != nullptr)
+    minv(m, theta, thetainv, scratch->inverse);
+  else
+    minv(m, theta, thetainv);
+  Mat own = scratch != nullptr ? Mat() : mat2(1, n, 1, m);
+  Mat& psithinv = scratch != nullptr ? scratch->psithinv : own;
   mmul(n, m, m, psi, thetainv, psithinv);
   for (int i = 1; i <= n; ++i) {
     for (int j = 1; j <= n; ++j) {
@@ -413,10 +435,10 @@ int backward(int n, int m, int nt, int last, const Mat& a, const Mat& b, const M
   int ok = 1;
   for (int t = nt - 1; t >= last; --t) {
     ok &= atStep.before(t);
-    ok &= comphi(n, m, nt, t, a, b, f, w.k, lams, ws, w.phi, w.psi, w.theta, trace);
-    comphilc(n, m, t, a, b, cs, w.k, w.p, wlcs, lamlcs, w.philc, w.thetalc);
-    riccatiUpdate(n, m, w.phi, w.psi, w.theta, w.philc, w.thetalc, w.thetainv, w.k, w.p, w.g,
-                  w.glc);
+    ok &= comphi(n, m, nt, t, a, b, f, w.k, lams, ws, w.phi, w.psi, w.theta, trace, &w.scratch);
+    comphilc(n, m, t, a, b, cs, w.k, w.p, wlcs, lamlcs, w.philc, w.thetalc, &w.scratch);
+    riccatiUpdate(n, m, w.phi, w.psi, w.theta, w.philc, w.thetalc, w.thetainv, w.k, w.p, w.g, w.glc,
+                  &w.scratch);
     ok &= atStep.after(t);
   }
   return ok;

@@ -64,23 +64,37 @@ int systemInput(const Model& model, const SolveTrace& trace, SystemArrays& sys);
 // Criterion input: weights, desired paths, x0 and, in the tracking form, the linear terms.
 int criterionInput(const Model& model, const SolveTrace& trace, CriterionArrays& crit);
 
+// Scratch of one Riccati step (K c + p, psi thetainv, K B, the quadratic form's products and the
+// inversion's factors), made once per recursion so that its steps allocate nothing. The steps
+// below take it when given and otherwise make their own; the numbers are the same either way.
+struct RiccatiScratch {
+  RiccatiScratch(int n, int m);
+  Mat q, psithinv, kb;
+  QuadFormWork quadA, quadB;
+  MinvWork inverse;
+};
+
 // One Riccati step's quadratic forms for period t, K the matrix of period t+1:
 // phi = A'KA + diag(ws(:, t)), theta = B'KB + diag(lams(:, t)), psi = A'KB + F.
 int comphi(int n, int m, int nt, int t, const Mat& a, const Mat& b, const Mat& f, const Mat& k,
-           const Mat& lams, const Mat& ws, Mat& phi, Mat& psi, Mat& theta, const SolveTrace& trace);
+           const Mat& lams, const Mat& ws, Mat& phi, Mat& psi, Mat& theta, const SolveTrace& trace,
+           RiccatiScratch* scratch = nullptr);
 // Its linear terms, with p the vector of period t+1: q = K c(t) + p, philc = A'q + wlcs(:, t),
 // thetalc = B'q + lamlcs(:, t).
 void comphilc(int n, int m, int t, const Mat& a, const Mat& b, const Mat& cs, const Mat& k,
-              const Mat& p, const Mat& wlcs, const Mat& lamlcs, Mat& philc, Mat& thetalc);
+              const Mat& p, const Mat& wlcs, const Mat& lamlcs, Mat& philc, Mat& thetalc,
+              RiccatiScratch* scratch = nullptr);
 // The step from period t+1 to t: thetainv = theta^-1, K = phi - (psi thetainv) psi',
 // p = philc - (psi thetainv) thetalc, G = -(thetainv psi'), g = -(thetainv thetalc).
 void riccatiUpdate(int n, int m, const Mat& phi, const Mat& psi, const Mat& theta, const Mat& philc,
-                   const Mat& thetalc, Mat& thetainv, Mat& k, Mat& p, Mat& g, Mat& glc);
+                   const Mat& thetalc, Mat& thetainv, Mat& k, Mat& p, Mat& g, Mat& glc,
+                   RiccatiScratch* scratch = nullptr);
 
 // The running values of one backward recursion: K and p of the period just solved, the step's
-// quadratic forms and linear terms, and its rule.
+// quadratic forms and linear terms, its rule, and the step's scratch.
 struct RiccatiWork {
   Mat k, p, phi, psi, theta, philc, thetalc, thetainv, g, glc;
+  RiccatiScratch scratch;
   RiccatiWork(int n, int m);
   // The terminal values K = diag(ws(:, nt)), p = wlcs(:, nt).
   void terminal(int n, int nt, const Mat& ws, const Mat& wlcs);

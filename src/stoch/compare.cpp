@@ -1,8 +1,12 @@
 #include "stoch/compare.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <string>
+#include <thread>
 #include <utility>
+#include <vector>
 
 #include "model/options.h"
 #include "numeric/matrix_ops.h"
@@ -134,6 +138,7 @@ struct CompareSetup {
   UncertainParameters par;  // occupancy tables; sitt is replaced by each period's estimate
   Mat3 ath, bth, cth;
   Mat theta0, sitt0, q, d, h, sixx0, sitx0, r, gam, npolicy, hcfrG, hcfrg;
+  FeedbackRule hcfrRule;         // the handcrafted rule in every period, for HCFR's projections
   Mat atrue0, btrue0, ctruetv0;  // the true system at theta0
   ForwardContext forwardBase;
 };
@@ -214,6 +219,7 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
   fctx.monteCarlo = true;
   fctx.method = kMethodNames[static_cast<std::size_t>(method)];
   FeedbackRule rule = makeFeedbackRule(n, m, nt);
+  LeadTerms lead = makeLeadTerms(n);
 
   for (int k = 0; k <= nt - 1; ++k) {
     if (trace.on(SolveTopic::RunHeadings))
@@ -233,45 +239,52 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
         ok &= CompKpgCe(n, m, nt, k, a, b, cs, s.crit.f, s.crit.lamlcs, s.crit.lams, s.crit.wlcs,
                         s.crit.ws, g, glc, trace);
       }
-    } else {
-      // The forward-variable iteration from this period on.
+    }
+    if (forwardModel) {
+      // The forward-variable iteration from this period on. HCFR re-solves nothing: its expected
+      // path is the one its own fixed rule projects, iterated until it reproduces itself.
       ok &= InitializeXsiterUsiter(k, n, m, nt, s.sys.maxLead, s.crit.xtws, out.us, xsiterStore,
                                    fctx.notConverged, xsiter, usiter, trace);
       fctx.notConverged = false;
       mmovsub(1, m, 0, nt - 1, usiter, usOld);
       if (olfLike) mmov(np, np, sittkk, par.sitt);
+      const FeedbackRule& projected = hcfr ? s.hcfrRule : rule;
       for (int iter = 1; iter <= fctx.iterlim; ++iter) {
         if (trace.on(SolveTopic::RunHeadings))
           ok &= trace.file().write(
               formatted("\r\n\r\n%s%d",
                         (" " + routine + " - forward variable loop   iter = ").c_str(), iter));
-        mmovsub(1, n, 0, nt - 1, cs, csAdjusted);
-        ok &= forward(n, m, nt, k, 1, s.sys.maxLead, csAdjusted, s.sys.d1, s.sys.d2, s.sys.d3,
-                      xsiter, trace);
-        if (olfLike) {
-          ok &= CompKpgOlfForw(n, m, nt, k, a, b, csAdjusted, s.crit.f, s.crit.lamlcs, s.crit.lams,
-                               s.crit.wlcs, s.crit.ws, par, rule, trace);
-        } else {
-          ok &= CompKpgCeForw(n, m, nt, k, a, b, csAdjusted, s.crit.f, s.crit.lamlcs, s.crit.lams,
-                              s.crit.wlcs, s.crit.ws, rule, trace);
-        }
-        if (trace.on(SolveTopic::GAndG)) {
-          ok &= trace.file().dumpMatrix3("gs in forward variable iteration of " + routine, k,
-                                         nt - 1, 1, m, 1, n, rule.gs);
-          ok &= trace.file().dumpMatrix("glcs in forward variable itertion of " + routine, 1, m, k,
-                                        nt - 1, rule.glcs);
+        if (!hcfr) {
+          mmovsub(1, n, 0, nt - 1, cs, csAdjusted);
+          ok &= forward(n, m, nt, k, 1, s.sys.maxLead, csAdjusted, s.sys.d1, s.sys.d2, s.sys.d3,
+                        xsiter, trace);
+          if (olfLike) {
+            ok &= CompKpgOlfForw(n, m, nt, k, a, b, csAdjusted, s.crit.f, s.crit.lamlcs,
+                                 s.crit.lams, s.crit.wlcs, s.crit.ws, par, rule, trace);
+          } else {
+            ok &= CompKpgCeForw(n, m, nt, k, a, b, csAdjusted, s.crit.f, s.crit.lamlcs, s.crit.lams,
+                                s.crit.wlcs, s.crit.ws, rule, trace);
+          }
+          if (trace.on(SolveTopic::GAndG)) {
+            ok &= trace.file().dumpMatrix3("gs in forward variable iteration of " + routine, k,
+                                           nt - 1, 1, m, 1, n, rule.gs);
+            ok &= trace.file().dumpMatrix("glcs in forward variable itertion of " + routine, 1, m,
+                                          k, nt - 1, rule.glcs);
+          }
         }
         ok &= ProjectionForwVar(iter, fctx.iterlim, k, n, m, nt, ny, a, b, cs, s.sys.d1, s.sys.d2,
-                                s.sys.d3, s.h, rule, xhat, xsiter, usiter, csUsed, trace);
+                                s.sys.d3, s.h, projected, xhat, xsiter, usiter, csUsed, trace);
         double eps = 0.0;
         ok &= CheckConvergence(run, iter, k, m, nt, usiter, usOld, eps, fctx, trace);
         if (iter >= 2 && eps <= fctx.tolerance) break;
       }
       if (fctx.notConverged) flags.forwardFailure = true;
       mmovsub(1, n, k, lastCol, xsiter, xsiterStore);
-      const Mat gk = feedbackAt(rule, k, m, n);
-      mmov(m, n, gk, g);
-      for (int i = 1; i <= m; ++i) glc(i, 1) = rule.glcs(i, k);
+      if (!hcfr) {
+        const Mat gk = feedbackAt(rule, k, m, n);
+        mmov(m, n, gk, g);
+        for (int i = 1; i <= m; ++i) glc(i, 1) = rule.glcs(i, k);
+      }
     }
     pctx.hcfr = hcfr;
     CompUOnePeriod(n, m, g, glc, xhat, uk, pctx, trace);
@@ -288,7 +301,14 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
     vcolset(m, k, uk, out.us);
     ok &= TrueParameterEvolution(pctx, k, n, m, nt, np, s.policy, s.ithn, out.us, uk, s.npolicy,
                                  terms.etas, out.thetatrue, atrue, btrue, ctruetv, prompter, trace);
-    const Mat ck = columnOf(n, k, cs);
+    // The filter predicts with the economy's own equation: in a forward-looking model the
+    // constant of the period carries the lead terms of the expected path the economy used.
+    Mat ck = columnOf(n, k, cs);
+    if (forwardModel) {
+      ExpectedLeadTerms(n, k, s.sys.d1, s.sys.d2, s.sys.d3, xsiter, lead);
+      Mat cbase = ck;
+      madd(n, 1, cbase, lead.dxesum, ck);
+    }
     KStep(n, m, s.l, np, a, b, ck, s.d, xhkk, thkk, uk, s.ath, s.bth, s.cth, sixxkk, sitxkk, sittkk,
           xhk1k, thk1k, trace);
     Sigk1k(n, m, s.l, np, a, ck, s.d, xhkk, uk, s.ath, s.bth, s.cth, sixxkk, sitxkk, sittkk, s.q,
@@ -342,6 +362,114 @@ int CompareOlf(bool withInsight, int run, const CompareSetup& s, const RandomTer
                PeriodContext& pctx, RunFlags& flags, Prompter& prompter, const SolveTrace& trace,
                RunPaths& out) {
   return runMethod(withInsight ? kOlIn : kOlf, run, s, terms, pctx, flags, prompter, trace, out);
+}
+
+// Every selected method, in table order, steers the run's economy from the run's terms.
+int runSelectedMethods(int run, const MethodSelection& selected, const CompareSetup& s,
+                       const RandomTerms& terms, PeriodContext& pctx, RunFlags& flags,
+                       Prompter& prompter, const SolveTrace& trace,
+                       std::array<RunPaths, kMethodCount>& out) {
+  int ok = 1;
+  for (int method = 0; method < kMethodCount; ++method) {
+    const auto k = static_cast<std::size_t>(method);
+    if (!selected[k]) continue;
+    pctx.run = run;
+    pctx.method = kMethodNames[k];
+    switch (method) {
+      case kHcfr:
+        ok &= CompareHcfr(run, s, terms, pctx, flags, prompter, trace, out[k]);
+        break;
+      case kCe:
+      case kCeWo:
+        ok &= CompareCe(method == kCeWo, run, s, terms, pctx, flags, prompter, trace, out[k]);
+        break;
+      default:
+        ok &= CompareOlf(method == kOlIn, run, s, terms, pctx, flags, prompter, trace, out[k]);
+        break;
+    }
+  }
+  return ok;
+}
+
+// One run of a batch handed to the threads: its own copy of the terms, its own warning flags,
+// and the messages of its draw and of its methods, kept to be shown in run order.
+struct RunSlot {
+  RandomTerms terms;
+  RecordingPrompter drawMessages, runMessages;
+  PeriodContext pctx;
+  RunFlags flags;
+  std::array<RunPaths, kMethodCount> paths;
+  int ok = 1;
+};
+
+bool cancelled(const CompareSettings& settings) {
+  return settings.cancel != nullptr && settings.cancel->load();
+}
+
+void replay(const RecordingPrompter& from, Prompter& to) {
+  for (const Message& message : from.messages()) to.show(message);
+}
+
+int threadCount(const CompareSettings& settings) {
+  if (settings.threads > 0) return settings.threads;
+  const unsigned cores = std::thread::hardware_concurrency();
+  return cores > 0 ? static_cast<int>(cores) : 1;
+}
+
+// The untraced run loop. Runs are taken in batches: the terms of a batch are drawn in run order
+// on this thread (the stream and its accumulators see exactly the serial sequence), the batch's
+// runs are solved on the threads, and then each run's messages, flags and paths are taken in run
+// order. Messages raised inside the runs are all plain notices, so holding them back changes no
+// answer.
+template <typename Record>
+int parallelRuns(int nmc, const CompareSettings& settings, const CompareSetup& s, bool generate,
+                 RandomState& random, RandomSources& src, RandomTerms& terms,
+                 RandomAccumulators& acc, PeriodContext& pctx, RunFlags& flags, Prompter& prompter,
+                 Progress& progress, Record& recordRun,
+                 std::array<RunPaths, kMethodCount>& lastRun) {
+  const int threads = std::max(1, std::min(threadCount(settings), nmc));
+  const int batch = std::max(1, std::min(nmc, 8 * threads));
+  std::vector<RunSlot> slots(static_cast<std::size_t>(batch));
+  const SolveTrace untraced;
+  int ok = 1;
+  for (int first = 1; first <= nmc && ok; first += batch) {
+    const int count = std::min(batch, nmc - first + 1);
+    for (int i = 0; i < count; ++i) {
+      RunSlot& slot = slots[static_cast<std::size_t>(i)];
+      slot.drawMessages.clear();
+      slot.runMessages.clear();
+      if (generate) GenerateRandomTerms(random, src, terms, acc, slot.drawMessages, untraced);
+      slot.terms = terms;
+      slot.pctx = PeriodContext{};
+      slot.flags = RunFlags{};
+    }
+    std::atomic<int> next{0};
+    auto work = [&] {
+      for (int i = next++; i < count; i = next++) {
+        RunSlot& slot = slots[static_cast<std::size_t>(i)];
+        slot.ok = runSelectedMethods(first + i, settings.methods, s, slot.terms, slot.pctx,
+                                     slot.flags, slot.runMessages, untraced, slot.paths);
+      }
+    };
+    {
+      std::vector<std::jthread> pool;
+      for (int t = 1; t < std::min(threads, count); ++t) pool.emplace_back(work);
+      work();
+    }
+    for (int i = 0; i < count && ok; ++i) {
+      if (cancelled(settings)) return ok;
+      RunSlot& slot = slots[static_cast<std::size_t>(i)];
+      progress.step();
+      replay(slot.drawMessages, prompter);
+      replay(slot.runMessages, prompter);
+      pctx.divisionWarning = pctx.divisionWarning || slot.pctx.divisionWarning;
+      flags.forwardFailure = flags.forwardFailure || slot.flags.forwardFailure;
+      ok &= slot.ok;
+      recordRun(slot.paths);
+      if (first + i == nmc) lastRun = std::move(slot.paths);
+    }
+  }
+  return ok;
 }
 
 constexpr const char* kQWarning =
@@ -444,6 +572,8 @@ CompareResult maincompare(const Model& model, const CompareSettings& settings, R
   s.npolicy = readModelMatrix(model, MatrixId::N, np, 1, m);
   s.hcfrG = readModelMatrix(model, MatrixId::G, m, 1, n);
   s.hcfrg = readModelMatrix(model, MatrixId::g, m, 1, 1);
+  s.hcfrRule = makeFeedbackRule(n, m, nt);
+  for (int t = 0; t <= nt - 1; ++t) storeRule(n, m, t, s.hcfrG, s.hcfrg, s.hcfrRule);
 
   // The stochastic inputs: the model's own under measurement error, neutral ones otherwise.
   if (stoch == opt::kMeasurementError) {
@@ -520,7 +650,28 @@ CompareResult maincompare(const Model& model, const CompareSettings& settings, R
   RunFlags flags;
   DebugSwitches saved;
   int ok = 1;
-  for (int run = 1; run <= nmc && ok; ++run) {
+  // What one run adds to the results, in run order.
+  auto recordRun = [&](const std::array<RunPaths, kMethodCount>& rps) {
+    const int run = static_cast<int>(result.mcResults.size()) + 1;
+    std::array<double, kMethodCount> criteria{};
+    for (int method = 0; method < kMethodCount; ++method) {
+      const auto k = static_cast<std::size_t>(method);
+      if (!settings.methods[k]) continue;
+      criteria[k] = rps[k].criterion;
+      result.criterionSums[k] += rps[k].criterion;
+      storeRunPaths(paths, method, run, rps[k]);
+    }
+    result.mcResults.push_back(criteria);
+    countLowestCriterion(settings.methods, criteria, result.lowestCounts);
+  };
+  // Without a debug file the runs go to a pool of threads: their terms are drawn here in run
+  // order as always, and what they return is added up in run order, so the result is the same to
+  // the bit whatever the number of threads. A traced comparison stays on this thread, in order.
+  if (file == nullptr) {
+    ok = parallelRuns(nmc, settings, s, generate, random, src, terms, acc, pctx, flags, prompter,
+                      progress, recordRun, result.lastRun);
+  }
+  for (int run = 1; file != nullptr && run <= nmc && ok && !cancelled(settings); ++run) {
     // Only the first run (or the chosen one) is printed in detail; the summary stays on.
     auto summaryOnly = [&] {
       switches.clear();
@@ -542,32 +693,17 @@ CompareResult maincompare(const Model& model, const CompareSettings& settings, R
     trace = monteCarloTrace(file, switches);
     progress.step();
     if (generate) GenerateRandomTerms(random, src, terms, acc, prompter, trace);
-    std::array<double, kMethodCount> criteria{};
-    for (int method = 0; method < kMethodCount; ++method) {
-      if (!settings.methods[static_cast<std::size_t>(method)]) continue;
-      pctx.run = run;
-      pctx.method = kMethodNames[static_cast<std::size_t>(method)];
-      RunPaths& rp = result.lastRun[static_cast<std::size_t>(method)];
-      switch (method) {
-        case kHcfr:
-          ok &= CompareHcfr(run, s, terms, pctx, flags, prompter, trace, rp);
-          break;
-        case kCe:
-        case kCeWo:
-          ok &= CompareCe(method == kCeWo, run, s, terms, pctx, flags, prompter, trace, rp);
-          break;
-        default:
-          ok &= CompareOlf(method == kOlIn, run, s, terms, pctx, flags, prompter, trace, rp);
-          break;
-      }
-      criteria[static_cast<std::size_t>(method)] = rp.criterion;
-      result.criterionSums[static_cast<std::size_t>(method)] += rp.criterion;
-      storeRunPaths(paths, method, run, rp);
-    }
-    result.mcResults.push_back(criteria);
-    countLowestCriterion(settings.methods, criteria, result.lowestCounts);
+    ok &= runSelectedMethods(run, settings.methods, s, terms, pctx, flags, prompter, trace,
+                             result.lastRun);
+    recordRun(result.lastRun);
   }
   progress.finish();
+  if (cancelled(settings) && static_cast<int>(result.mcResults.size()) < nmc) {
+    result = CompareResult{};
+    result.status = 0;
+    result.cancelled = true;
+    return result;
+  }
   result.runs = static_cast<int>(result.mcResults.size());
   result.xtws = s.crit.xtws;
   result.utws = s.crit.utws;

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <map>
 #include <optional>
 #include <string>
@@ -51,6 +52,7 @@ struct CompareResult {
   // -1: refused before anything was computed.
   int status = -1;
   int runs = 0;
+  bool cancelled = false;  // stopped by the cancel flag: status 0, nothing to keep
   int n = 0, m = 0, nt = 0, np = 0;
   MethodSelection selected{};
   std::vector<std::array<double, kMethodCount>> mcResults;  // criterion by run and method
@@ -74,6 +76,9 @@ struct CompareSettings {
   DebugPrintSettings debug;   // the switches and the run restriction
   DebugFile* file = nullptr;  // the open debug file of "Compare: Print", or nullptr
   double eps = 0.0;           // machine epsilon
+  int threads = 0;            // threads for the untraced runs; 0: one per core
+  // When set and true, the comparison stops after the run in hand and keeps nothing.
+  const std::atomic<bool>* cancel = nullptr;
 };
 
 // maincompare: the preconditions, the run loop and the statistics.

@@ -24,11 +24,20 @@ namespace {
 // P(i, k) Q(k, j) R(j, l) S(l, i) with i (1..n) and j (1..p) as the outer loops and k (1..p) and
 // l (1..n) as the inner ones, the nesting of mtrace4.
 double trace4Mixed(int n, int p, const Mat& P, const Mat& Q, const Mat& R, const Mat& S) {
+  // Terms with a zero P or R factor are skipped, which changes no bit (see mtrace4).
   double sum = 0.0;
   for (int i = 1; i <= n; ++i)
     for (int j = 1; j <= p; ++j)
-      for (int k = 1; k <= p; ++k)
-        for (int l = 1; l <= n; ++l) sum += P(i, k) * Q(k, j) * R(j, l) * S(l, i);
+      for (int k = 1; k <= p; ++k) {
+        const double pk = P(i, k);
+        if (pk == 0.0) continue;
+        const double pq = pk * Q(k, j);
+        for (int l = 1; l <= n; ++l) {
+          const double r = R(j, l);
+          if (r == 0.0) continue;
+          sum += pq * r * S(l, i);
+        }
+      }
   return sum;
 }
 

@@ -137,6 +137,24 @@ void CompXOnePeriod(int n, int m, int nt, int ny, int k, const Mat& atrue, const
   dumpColumn(f, "y" + in, ny, y);
 }
 
+LeadTerms makeLeadTerms(int n) {
+  return {mat2(1, n, 1, 1), mat2(1, n, 1, 1), mat2(1, n, 1, 1), mat2(1, n, 1, 1)};
+}
+
+// dxesum = (D1 xe(k+1) + D2 xe(k+2)) + D3 xe(k+3); all three are formed whatever the lead, the
+// matrices beyond it being zero.
+void ExpectedLeadTerms(int n, int k, const Mat& d1, const Mat& d2, const Mat& d3, const Mat& xe,
+                       LeadTerms& out) {
+  Mat xek = mat2(1, n, 1, 1);
+  vcolget(n, k + 1, xe, xek);
+  mmul(n, n, 1, d1, xek, out.d1xek1);
+  vcolget(n, k + 2, xe, xek);
+  mmul(n, n, 1, d2, xek, out.d2xek2);
+  vcolget(n, k + 3, xe, xek);
+  mmul(n, n, 1, d3, xek, out.d3xek3);
+  madd3(n, 1, out.d1xek1, out.d2xek2, out.d3xek3, out.dxesum);
+}
+
 // xk1 = ax + (bu + ((ctrue + dxesum) + xsi)), dxesum = D1 xe(k+1) + D2 xe(k+2) + D3 xe(k+3).
 void CompXOnePeriodForw(int n, int m, int nt, int ny, int k, const Mat& atrue, const Mat& btrue,
                         const Mat& ctruetv, const Mat& h, const Mat& xsis, const Mat& zetas,
@@ -151,16 +169,11 @@ void CompXOnePeriodForw(int n, int m, int nt, int ny, int k, const Mat& atrue, c
   vcolget(n, k, ctruetv, ctrue);
   vcolget(n, k, xsis, xsi);
 
-  Mat xek = mat2(1, n, 1, 1);
-  Mat d1xek1 = mat2(1, n, 1, 1), d2xek2 = mat2(1, n, 1, 1), d3xek3 = mat2(1, n, 1, 1);
-  vcolget(n, k + 1, xe, xek);
-  mmul(n, n, 1, d1, xek, d1xek1);
-  vcolget(n, k + 2, xe, xek);
-  mmul(n, n, 1, d2, xek, d2xek2);
-  vcolget(n, k + 3, xe, xek);
-  mmul(n, n, 1, d3, xek, d3xek3);
-  Mat dxesum = mat2(1, n, 1, 1);
-  madd3(n, 1, d1xek1, d2xek2, d3xek3, dxesum);
+  LeadTerms lead = makeLeadTerms(n);
+  ExpectedLeadTerms(n, k, d1, d2, d3, xe, lead);
+  const Mat& d2xek2 = lead.d2xek2;
+  const Mat& d3xek3 = lead.d3xek3;
+  const Mat& dxesum = lead.dxesum;
 
   Mat cdxsi = mat2(1, n, 1, 1), bucdxsi = mat2(1, n, 1, 1);
   madd3(n, 1, ctrue, dxesum, xsi, cdxsi);

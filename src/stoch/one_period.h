@@ -30,6 +30,17 @@ void CompXOnePeriod(int n, int m, int nt, int ny, int k, const Mat& atrue, const
                     const Mat& ctruetv, const Mat& h, const Mat& xsis, const Mat& zetas,
                     const Mat& xk, const Mat& uk, Mat& xk1, Mat& y, const PeriodContext& ctx,
                     const SolveTrace& trace);
+// The lead terms of period k in a forward-looking economy, from the expected path xe (which must
+// hold columns k+1..k+3): the three products and dxesum = D1 xe(k+1) + D2 xe(k+2) + D3 xe(k+3).
+// The true economy and the filter's prediction both take them from here, so that the filter
+// predicts with the equation that generates the data.
+struct LeadTerms {
+  Mat d1xek1, d2xek2, d3xek3, dxesum;  // n x 1 each
+};
+LeadTerms makeLeadTerms(int n);
+void ExpectedLeadTerms(int n, int k, const Mat& d1, const Mat& d2, const Mat& d3, const Mat& xe,
+                       LeadTerms& out);
+
 // The same with the lead terms D1 xe(k+1) + D2 xe(k+2) + D3 xe(k+3) of the expected path xe
 // (which must hold columns k+1..k+3). Its labels are the same for every method.
 void CompXOnePeriodForw(int n, int m, int nt, int ny, int k, const Mat& atrue, const Mat& btrue,

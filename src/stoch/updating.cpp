@@ -111,7 +111,10 @@ UpdatingResult maincompareWoUpdating(const Model& model, const UpdatingSettings&
   ctx.method = "HCFR";
   DebugSwitches saved;
   progress.start(nmc);
-  for (int run = 1; run <= nmc && ok; ++run) {
+  auto cancelled = [&] { return settings.cancel != nullptr && settings.cancel->load(); };
+  int started = 0;
+  for (int run = 1; run <= nmc && ok && !cancelled(); ++run) {
+    started = run;
     auto allOff = [&] {
       switches.clear();
       switches.set(DebugSwitch::ResultsMonteCarloSummary);
@@ -158,6 +161,11 @@ UpdatingResult maincompareWoUpdating(const Model& model, const UpdatingSettings&
     result.criterionSum += c;
   }
   progress.finish();
+  if (started < nmc && cancelled()) {
+    UpdatingResult none;
+    none.cancelled = true;
+    return none;
+  }
   result.runs = nmc;
   result.status = ok ? 1 : 0;
   return result;

@@ -2,6 +2,8 @@
 // under additive system noise over many runs, with the state known exactly and no learning.
 #pragma once
 
+#include <atomic>
+
 #include <optional>
 #include <vector>
 
@@ -28,10 +30,13 @@ struct UpdatingSettings {
   DebugPrintSettings debug;
   DebugFile* file = nullptr;
   double eps = 0.0;
+  // When set and true, the runs stop after the run in hand and nothing is kept.
+  const std::atomic<bool>* cancel = nullptr;
 };
 
 struct UpdatingResult {
-  int status = 0;  // 1 done; 0 refused or stopped by a failed debug write
+  int status = 0;  // 1 done; 0 refused, cancelled or stopped by a failed debug write
+  bool cancelled = false;
   int runs = 0;
   int n = 0, m = 0, nt = 0;
   std::vector<double> criteria;  // the HCFR criterion of each run, when one is computed

@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QDialog>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QKeySequence>
@@ -13,6 +14,7 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QSessionManager>
+#include <QSettings>
 #include <QShortcut>
 #include <QSplitter>
 #include <QStatusBar>
@@ -27,12 +29,18 @@
 #include "results/solve_commands.h"
 #include "results/stochastic_commands.h"
 #include "ui/description_dialog.h"
+#include "ui/dialogs/matrix_entry.h"
+#include "ui/dialogs/model_commands.h"
 #include "ui/menu_table.h"
 #include "ui/option_dialogs.h"
 #include "ui/plots/plot_commands.h"
 #include "ui/qt_prompter.h"
+#include "ui/results/table_copy.h"
 #include "ui/results_dialogs.h"
 #include "ui/results_view.h"
+#include "ui/shell/background_run.h"
+#include "ui/shell/desktop_conventions.h"
+#include "ui/shell/session_settings.h"
 
 namespace ovaro::ui {
 
@@ -138,8 +146,10 @@ MainWindow::MainWindow(Prompter& prompter, const std::string& modelFile, QWidget
   textArea_->setFrameShape(QFrame::StyledPanel);
   connect(textArea_, &QPlainTextEdit::textChanged, this, [this] {
     if (!settingText_) shell_.modified = 1;
+    setWindowModified(shell_.modified != 0);
   });
   resultsView_ = new ResultsView(splitter_);
+  new ResultsCopy(resultsView_);
   resultsView_->hide();
   splitter_->addWidget(textArea_);
   splitter_->addWidget(resultsView_);
@@ -150,9 +160,24 @@ MainWindow::MainWindow(Prompter& prompter, const std::string& modelFile, QWidget
   progressBar_->setObjectName("MonteCarloProgress");
   progressBar_->hide();
   statusBar()->addPermanentWidget(progressBar_, 1);
+  cancelButton_ = new QPushButton(tr("Cancel"), this);
+  cancelButton_->setObjectName("MonteCarloCancel");
+  cancelButton_->hide();
+  statusBar()->addPermanentWidget(cancelButton_);
   statusBar()->setSizeGripEnabled(true);
   progress_.setBar(progressBar_);
 
+  modelCommands_ = std::make_unique<ModelCommands>(
+      wb_, this, [this](QDialog& dialog) { return runDialog(dialog); },
+      [this](MatrixEditor& editor) {
+        // Driven from outside, the editor is handed over like any dialog; otherwise it runs
+        // with its "Finished Editing" box.
+        if (dialogRunner_) {
+          dialogRunner_(editor);
+        } else {
+          runMatrixEditorInteractively(editor);
+        }
+      });
   buildMenus();
   registerCommands();
 
@@ -210,6 +235,8 @@ void MainWindow::buildMenus() {
     if (editMenu_ == nullptr && top.label == "&Edit") editMenu_ = menu;
   }
   connect(editMenu_, &QMenu::aboutToShow, this, &MainWindow::onEditMenuAboutToShow);
+  addStandardShortcuts(actions_);
+  recentMenu_ = addRecentFilesMenu(*action(cmd::kExit));
 
   for (const Accelerator& acc : acceleratorTable()) {
     auto* shortcut =
@@ -228,9 +255,12 @@ void MainWindow::onEditMenuAboutToShow() {
 }
 
 void MainWindow::dispatch(int id) {
+  // While runs go on in the background, the model and the results are theirs.
+  if (BackgroundRun::busy(this)) return;
   auto it = commands_.find(id);
   if (it == commands_.end()) return;
   it->second();
+  setWindowModified(shell_.modified != 0);
   update();
 }
 
@@ -249,7 +279,7 @@ int MainWindow::runDialog(QDialog& dialog) {
 }
 
 void MainWindow::setCaption() {
-  setWindowTitle(QString::fromStdString(captionText(shell_.fileTitle)));
+  setWindowTitle(QString::fromStdString(captionText(shell_.fileTitle)) + "[*]");
 }
 
 void MainWindow::showFileMessage(const std::string& format, const std::string& title) {
@@ -305,11 +335,25 @@ void MainWindow::registerCommands() {
   on(cmd::kSelectAll, [this] { textArea_->selectAll(); });
   // Specification and Data: the data-entry dialogs and windows.
   on(cmd::kSpecDescription, [this] { openDescription(); });
-  for (int id : {cmd::kSpecName, cmd::kSpecStochastic, cmd::kSpecForms, cmd::kSpecRandomSource,
-                 cmd::kSpecMonteCarlo, cmd::kDataSize, cmd::kDataAcronyms, cmd::kDataCriterion,
-                 cmd::kDataHcfr}) {
-    unavailable(id);
-  }
+  ModelCommands& mc = *modelCommands_;
+  on(cmd::kSpecName, [&mc] { mc.name(); });
+  // A model reshaped by these dialogs is another model: the results of the old shape go.
+  auto reshaping = [this](auto run) {
+    return [this, run] {
+      const Dimensions dims = wb_.model.dims;
+      const SpecFlags flags = wb_.model.flags;
+      run();
+      if (!(dims == wb_.model.dims) || !(flags == wb_.model.flags)) forgetResults();
+    };
+  };
+  on(cmd::kSpecStochastic, reshaping([&mc] { mc.stochasticTerms(); }));
+  on(cmd::kSpecForms, reshaping([&mc] { mc.forms(); }));
+  on(cmd::kSpecRandomSource, [&mc] { mc.sourceRandom(); });
+  on(cmd::kSpecMonteCarlo, [&mc] { mc.optionsMonteCarlo(); });
+  on(cmd::kDataSize, reshaping([&mc] { mc.size(); }));
+  on(cmd::kDataAcronyms, [&mc] { mc.acronyms(); });
+  on(cmd::kDataCriterion, [this, &mc] { mc.matrixEntry(criterionGroup(wb_.model)); });
+  on(cmd::kDataHcfr, [&mc] { mc.matrixEntry("DataInGg"); });
   on(cmd::kDataSystem, [this] { dataSystemEquations(); });
   for (int id :
        {cmd::kDataAdditive, cmd::kDataUncertain, cmd::kDataMeasurement, cmd::kDataPolicy}) {
@@ -356,7 +400,7 @@ void MainWindow::registerCommands() {
   nothing(cmd::kTransSizeHeading);
   for (int id : {86,  88,  90,  92,  94,  96,  98,  81,  100, 102, 103, 104,
                  106, 108, 112, 114, 115, 116, 121, 118, 119, 120, 122, 123}) {
-    unavailable(id);
+    on(id, reshaping([&mc, id] { mc.transformation(id); }));
   }
   // Preferences, Character, Help
   on(cmd::kPrefResults, [this] { resultsPreferences(); });
@@ -401,6 +445,7 @@ int MainWindow::save() {
     return 0;
   }
   shell_.modified = 0;
+  rememberFile();
   return 1;
 }
 
@@ -416,6 +461,7 @@ int MainWindow::saveAs() {
     return 0;
   }
   shell_.modified = 0;
+  rememberFile();
   return 1;
 }
 
@@ -426,11 +472,8 @@ void MainWindow::newModel() {
   shell_.fileTitle.clear();
   setCaption();
   shell_.modified = 0;
-  ovaro::clearModel(wb_.model);
-  wb_.resultsFormat = 770;
-  // The sizes and forms of a new model are chosen in the data-entry dialogs, which this build
-  // does not have yet; the model stays empty until one is opened or loaded.
-  notAvailable(cmd::kNew);
+  forgetResults();
+  modelCommands_->newModelSequence();
 }
 
 void MainWindow::openModel() {
@@ -442,18 +485,54 @@ void MainWindow::openModel() {
     shell_.modified = 0;
     return;
   }
-  shell_.fileName = *name;
-  shell_.fileTitle = fileTitle(*name);
-  if (readModelFile(shell_.fileName, wb_.model, prompter_) != 0) {
+  openPath(*name);
+}
+
+void MainWindow::openPath(const std::string& path) {
+  if (readModelFile(path, wb_.model, prompter_) != 0) {
+    shell_.fileName = path;
+    shell_.fileTitle = fileTitle(path);
     setCaption();
     shell_.modified = 0;
+    forgetResults();
+    rememberFile();
+    statusBar()->showMessage(QString::fromStdString("Opened " + shell_.fileTitle));
     return;
   }
-  showFileMessage("Could not read file %s!", shell_.fileTitle);
-  shell_.fileName.clear();
-  shell_.fileTitle.clear();
-  setCaption();
+  // A file that could not be read left the model as it was, so the model keeps its own file and
+  // title: a later Save writes where the model came from, never over the file refused here.
+  showFileMessage("Could not read file %s!", fileTitle(path));
   shell_.modified = 0;
+}
+
+void MainWindow::rememberFile() {
+  // Kept as a full path: the next session may start in another directory.
+  const QString path = QFileInfo(QString::fromStdString(shell_.fileName)).absoluteFilePath();
+  if (settings_ != nullptr) {
+    recent_ = rememberRecentFile(*settings_, path);
+  } else {
+    recent_.removeAll(path);
+    recent_.prepend(path);
+    while (recent_.size() > kRecentFileCount) recent_.removeLast();
+  }
+  rebuildRecentMenu();
+}
+
+void MainWindow::rebuildRecentMenu() {
+  if (recentMenu_ == nullptr) return;
+  fillRecentFilesMenu(*recentMenu_, recent_, [this](const QString& path) {
+    if (shell_.modified != 0 && askSave() == Answer::Cancel) return;
+    openPath(path.toStdString());
+    setWindowModified(shell_.modified != 0);
+  });
+}
+
+void MainWindow::useSettings(QSettings* settings) {
+  settings_ = settings;
+  if (settings_ == nullptr) return;
+  restoreSession(*settings_, *this, *splitter_, wb_, dynamic_cast<QtPrompter*>(&prompter_));
+  recent_ = ui::recentFiles(*settings_);
+  rebuildRecentMenu();
 }
 
 void MainWindow::printFile() {
@@ -464,9 +543,10 @@ void MainWindow::printFile() {
 void MainWindow::clearModel() {
   // The text area, the file and the modified flag stay, so a later Save writes to the file last
   // opened; only the title forgets it.
-  setWindowTitle(QString::fromStdString(captionText({})));
+  setWindowTitle(QString::fromStdString(captionText({})) + "[*]");
   wb_.resetToDefaults();
   syncToggleChecks();
+  forgetResults();
 }
 
 void MainWindow::exitProgram() {
@@ -485,7 +565,8 @@ void MainWindow::loadExample(int id) {
   if (readModelFile(path, wb_.model, prompter_) != 0) {
     // The title names the example, but the current file is not changed: a later Save writes to
     // the file last opened, or asks for a name.
-    setWindowTitle(QString::fromStdString(captionText(entry->fileName)));
+    setWindowTitle(QString::fromStdString(captionText(entry->fileName)) + "[*]");
+    forgetResults();
     prompter_.inform(std::string(entry->description), "Model Loaded");
     openDescription();
   } else {
@@ -507,7 +588,7 @@ void MainWindow::dataSystemEquations() {
     prompter_.inform("Maximum Lead must be 1, 2 or 3.", "Error");
     return;
   }
-  notAvailable(cmd::kDataSystem);
+  modelCommands_->matrixEntry(systemEquationsGroup(m));
 }
 
 void MainWindow::dataStochastic(int id) {
@@ -544,7 +625,10 @@ void MainWindow::dataStochastic(int id) {
         "N Matrix Not Allocated !");
     return;
   }
-  notAvailable(id);
+  modelCommands_->matrixEntry(id == cmd::kDataAdditive      ? "DataInStochAdd"
+                              : id == cmd::kDataUncertain   ? "DataInStoch"
+                              : id == cmd::kDataMeasurement ? "DataInStochVE"
+                                                            : "DataInN");
 }
 
 // ---- Solve ----
@@ -570,7 +654,9 @@ void MainWindow::solveSingle(int method, bool traced, bool sheet) {
     WaitCursor wait;
     solved = runSolveCommand(wb_, method, sheet ? DebugPage::Summary : DebugPage::QlpOlf);
   }
-  if (solved) showResults();
+  if (!solved) return;
+  showResults();
+  statusBar()->showMessage(solvedStatus(wb_, method));
 }
 
 void MainWindow::compare(bool traced) {
@@ -581,14 +667,30 @@ void MainWindow::compare(bool traced) {
     DebugPrintSheet dialog(wb_.debug, this);
     runDialog(dialog);
   }
-  bool ran = false;
-  {
-    WaitCursor wait;
-    const MethodSelection chosen = wb_.results.ran.compare;
-    const CompareResult result = runCompareCommand(wb_, chosen);
-    ran = result.status == 1 && result.runs > 0;
+  // The runs go to a worker thread with their own copies of the model and the generator state;
+  // the results come back here, and only a finished comparison is kept.
+  const MethodSelection chosen = wb_.results.ran.compare;
+  CompareSettings settings = compareSettings(wb_, chosen);
+  std::atomic<bool> cancel{false};
+  settings.cancel = &cancel;
+  const Model model = wb_.model;
+  RandomState random = wb_.random;
+  CompareResult result;
+  BackgroundRun(this, prompter_, progress_, cancelButton_)
+      .run([&](Prompter& p, Progress& pr) { result = maincompare(model, settings, random, p, pr); },
+           cancel);
+  const bool ran = !result.cancelled && result.status == 1 && result.runs > 0;
+  if (result.cancelled) {
+    statusBar()->showMessage(tr("Compare cancelled: nothing kept"));
+  } else {
+    wb_.random = random;
+    // Kept before the debug file closes: storing the scenario writes its dumps there.
+    keepCompareResult(wb_, chosen, result);
+    showResults();
+    statusBar()->showMessage(compareStatus(wb_));
   }
-  showResults();
+  wb_.debugFile.close();
+  finishBackgroundRun();
   // The summary of the runs' criteria stands beside the results of a comparison that ran.
   if (ran)
     showCriterionSummary(PlotHost(
@@ -603,10 +705,24 @@ void MainWindow::updating(bool traced) {
   }
   MethodWoDialog methods(wb_.updatingMethods, this);
   runDialog(methods);
-  {
-    WaitCursor wait;
-    runUpdatingCommand(wb_);
+  UpdatingSettings settings = updatingSettings(wb_);
+  std::atomic<bool> cancel{false};
+  settings.cancel = &cancel;
+  const Model model = wb_.model;
+  RandomState random = wb_.random;
+  UpdatingResult result;
+  BackgroundRun(this, prompter_, progress_, cancelButton_)
+      .run([&](Prompter& p,
+               Progress& pr) { result = maincompareWoUpdating(model, settings, random, p, pr); },
+           cancel);
+  wb_.debugFile.close();
+  if (result.cancelled) {
+    statusBar()->showMessage(tr("Stochastic w/o Updating cancelled: nothing kept"));
+  } else {
+    wb_.random = random;
+    keepUpdatingResult(wb_, result);
   }
+  finishBackgroundRun();
   showResults();
 }
 
@@ -620,6 +736,12 @@ void MainWindow::showResults() {
     resultsView_->show();
     splitResultsArea();
   }
+}
+
+void MainWindow::forgetResults() {
+  wb_.results.clear();
+  resultsView_->clearTable();
+  resultsView_->hide();
 }
 
 void MainWindow::splitResultsArea() {
@@ -706,11 +828,26 @@ int MainWindow::findReplace(FindReplaceAction what, const QString& findText,
 
 // ---- Close ----
 
+// A window closed while runs went on closes once they have stopped.
+void MainWindow::finishBackgroundRun() {
+  if (!closeAfterRun_) return;
+  closeAfterRun_ = false;
+  QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) {
+  if (BackgroundRun::busy(this)) {
+    cancelButton_->click();
+    closeAfterRun_ = true;
+    event->ignore();
+    return;
+  }
   if (shell_.modified != 0 && askSave() == Answer::Cancel) {
     event->ignore();
     return;
   }
+  if (settings_ != nullptr)
+    saveSession(*settings_, *this, *splitter_, wb_, dynamic_cast<QtPrompter*>(&prompter_));
   freeModelArrays(wb_.model);
   event->accept();
 }

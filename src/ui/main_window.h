@@ -11,8 +11,11 @@
 
 #include <QMainWindow>
 #include <QPointer>
+#include <QPushButton>
+#include <QStringList>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 
 #include "results/workbench.h"
@@ -24,10 +27,12 @@ class QDialog;
 class QMenu;
 class QPlainTextEdit;
 class QProgressBar;
+class QSettings;
 class QSplitter;
 
 namespace ovaro::ui {
 
+class ModelCommands;
 class ResultsView;
 
 // What a find/replace request asks for.
@@ -69,12 +74,23 @@ class MainWindow : public QMainWindow {
 
   // Opens (or re-opens) the results windows for the current display selector.
   void showResults();
+  // Takes the results of the previous model away: a changed model has none yet.
+  void forgetResults();
+
+  // Remembers the window, the results preferences, the dialogs' directories and the recent
+  // files in `settings` (not owned; it must outlive the window), restoring what it holds now.
+  // Without it nothing is kept between sessions.
+  void useSettings(QSettings* settings);
+  // The model files opened or saved last, the latest first (File menu, "Recent Files").
+  const QStringList& recentFiles() const { return recent_; }
 
   Workbench& workbench() { return wb_; }
   const ShellState& shellState() const { return shell_; }
   QPlainTextEdit* textArea() const { return textArea_; }
   ResultsView* resultsView() const { return resultsView_; }
   QProgressBar* progressBar() const { return progressBar_; }
+  // Stops a comparison or an updating run after the run in hand; shown only while one runs.
+  QPushButton* cancelButton() const { return cancelButton_; }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -94,6 +110,9 @@ class MainWindow : public QMainWindow {
   // File
   void newModel();
   void openModel();
+  void openPath(const std::string& path);
+  void rememberFile();
+  void rebuildRecentMenu();
   void printFile();
   void clearModel();
   void exitProgram();
@@ -107,6 +126,7 @@ class MainWindow : public QMainWindow {
   void solveSingle(int method, bool traced, bool sheet);
   void compare(bool traced);
   void updating(bool traced);
+  void finishBackgroundRun();
   // Results and preferences
   void splitResultsArea();
   void displayOptions();
@@ -120,13 +140,19 @@ class MainWindow : public QMainWindow {
   std::map<int, std::function<void()>> commands_;
   std::map<int, QAction*> actions_;
   DialogRunner dialogRunner_;
+  std::unique_ptr<ModelCommands> modelCommands_;
   bool settingText_ = false;
 
   QSplitter* splitter_ = nullptr;
   QPlainTextEdit* textArea_ = nullptr;
   ResultsView* resultsView_ = nullptr;
   QProgressBar* progressBar_ = nullptr;
+  QPushButton* cancelButton_ = nullptr;
+  bool closeAfterRun_ = false;  // the window was closed while runs went on
   QMenu* editMenu_ = nullptr;
+  QMenu* recentMenu_ = nullptr;
+  QStringList recent_;
+  QSettings* settings_ = nullptr;
 };
 
 }  // namespace ovaro::ui

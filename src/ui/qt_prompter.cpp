@@ -1,6 +1,7 @@
 #include "ui/qt_prompter.h"
 
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QStringList>
 
@@ -93,8 +94,19 @@ std::optional<std::string> QtPrompter::askFileName(const FileRequest& request) {
     // a file it cannot read.
     dialog.setFileMode(request.promptToCreate ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
   }
+  if (!lastDirectory(request.kind).isEmpty()) dialog.setDirectory(lastDirectory(request.kind));
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
-  return dialog.selectedFiles().front().toStdString();
+  const QString chosen = dialog.selectedFiles().front();
+  setLastDirectory(request.kind, QFileInfo(chosen).absolutePath());
+  return chosen.toStdString();
+}
+
+QString QtPrompter::lastDirectory(FileRequest::Kind kind) const {
+  return kind == FileRequest::Kind::Open ? openDirectory_ : saveDirectory_;
+}
+
+void QtPrompter::setLastDirectory(FileRequest::Kind kind, const QString& directory) {
+  (kind == FileRequest::Kind::Open ? openDirectory_ : saveDirectory_) = directory;
 }
 
 }  // namespace ovaro::ui

@@ -23,9 +23,16 @@ class QtPrompter final : public Prompter {
   Answer show(const Message& message) override;
   std::optional<std::string> askFileName(const FileRequest& request) override;
 
+  // The directory the next open or save dialog starts in: where the last one of its kind was
+  // confirmed (empty: the working directory).
+  QString lastDirectory(FileRequest::Kind kind) const;
+  void setLastDirectory(FileRequest::Kind kind, const QString& directory);
+
  private:
   QPointer<QWidget> owner_;
   bool windowModal_ = false;
+  QString openDirectory_;
+  QString saveDirectory_;
 };
 
 // The filter string of a file dialog: "OVARO Files (*.ovi);;All Files (*.*;*)" from the labels.

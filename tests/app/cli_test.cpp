@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
@@ -110,6 +111,11 @@ TEST(CliInfo, MissingFileFailsWithTheSystemsMessage) {
   const Result j = runCli({"info", path, "--json"});
   EXPECT_EQ(j.code, 1);
   EXPECT_EQ(json::parse(j.out)["error"], "Could not read file " + path + "!");
+
+  spit(dir.file("notes.md"), "# Notes\n");  // not a model file: the same failure, no advice
+  const Result md = runCli({"info", dir.file("notes.md")});
+  EXPECT_EQ(md.code, 1);
+  EXPECT_EQ(md.err, "Ovaro: Could not read file " + dir.file("notes.md") + "!\n");
 }
 
 TEST(CliConvert, RewritesAnExampleByteForByte) {
@@ -122,6 +128,36 @@ TEST(CliConvert, RewritesAnExampleByteForByte) {
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(slurp(out), slurp(example(name))) << name;
   }
+}
+
+// A script of steps: every example survives a reshaping and its undoing byte for byte, the
+// messages are the workbench's, and a step that cannot be understood writes nothing.
+TEST(CliTransform, StepsAndTheirUndoingGiveTheModelBack) {
+  TempDir dir;
+  for (const char* name : {"track1.ovi", "infl2.ovi", "learn1.ovi"}) {
+    Model model;
+    RecordingPrompter quiet;
+    ASSERT_EQ(readModelFile(example(name), model, quiet), 1);
+    const std::string n1 = std::to_string(model.dims.n.value + 1);
+    const std::string m1 = std::to_string(model.dims.m.value + 1);
+    const std::string grown = dir.file(std::string("grown-") + name);
+    const std::string back = dir.file(name);
+    Result r = runCli({"transform", example(name), grown, "add-state", "112", "88",
+                       "set:X0(" + n1 + ",1)=7.5", "--json"});
+    ASSERT_EQ(r.code, 0) << r.err;
+    const auto j = nlohmann::json::parse(r.out);
+    EXPECT_TRUE(j["ok"].get<bool>());
+    EXPECT_EQ(j["messages"][0]["text"], "Completed Addition of State Variables");
+    r = runCli({"transform", grown, back, "w-constant",
+                "size:m=" + std::to_string(model.dims.m.value) +
+                    ";n=" + std::to_string(model.dims.n.value) + "@" + n1 + "," + m1});
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(slurp(back), slurp(example(name))) << name;
+  }
+  const Result bad =
+      runCli({"transform", example("track1.ovi"), dir.file("x.ovi"), "set:Q(1,1)=1"});
+  EXPECT_EQ(bad.code, 2);
+  EXPECT_FALSE(std::filesystem::exists(dir.file("x.ovi")));
 }
 
 TEST(CliConvert, ReportsReadAndWriteFailures) {

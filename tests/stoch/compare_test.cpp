@@ -12,6 +12,7 @@
 #include "stoch/monte_carlo_stats.h"
 #include "stoch/updating.h"
 #include "support/model_fixtures.h"
+#include "support/temp_dir.h"
 
 namespace ovaro {
 namespace {
@@ -142,6 +143,49 @@ TEST(Compare, OlinDiffersFromOlfOnlyThroughThePolicyEffect) {
   r = maincompare(model, settingsFor({kOlf, kOlIn}, 2), b, prompter, progress);
   ASSERT_EQ(r.status, 1);
   EXPECT_NE(r.mcResults[1][kOlf], r.mcResults[1][kOlIn]);
+}
+
+// The untraced runs go to a pool of threads; the traced comparison runs them one after another
+// on one thread. Both must give the same bits, whatever the thread count, messages included.
+TEST(Compare, ThreadsChangeNoBitOfTheResult) {
+  Model model = learningModel(opt::kPolicyYes);
+  set(model, MatrixId::N, 0, 0, 0.05);
+  auto run = [&](int threads, bool traced) {
+    testing::TempDir dir;
+    DebugFile file;
+    CompareSettings settings = settingsFor({kHcfr, kCe, kCeWo, kOlf, kOlIn}, 11);
+    settings.threads = threads;
+    if (traced) {
+      EXPECT_TRUE(file.open(dir.file("run.dbg")));
+      settings.file = &file;
+    }
+    RandomState random;
+    RecordingPrompter prompter;
+    NullProgress progress;
+    CompareResult r = maincompare(model, settings, random, prompter, progress);
+    std::string messages;
+    for (const Message& m : prompter.messages()) messages += m.caption + ": " + m.text + "\n";
+    return std::pair{std::move(r), messages};
+  };
+  const auto [serial, serialMessages] = run(1, true);
+  ASSERT_EQ(serial.status, 1);
+  for (int threads : {1, 2, 3, 16}) {
+    const auto [r, messages] = run(threads, false);
+    SCOPED_TRACE(threads);
+    EXPECT_EQ(r.mcResults, serial.mcResults);
+    EXPECT_EQ(r.lowestCounts, serial.lowestCounts);
+    EXPECT_EQ(r.averages, serial.averages);
+    EXPECT_EQ(messages, serialMessages);
+    ASSERT_EQ(r.statistics.size(), serial.statistics.size());
+    for (const auto& [name, mat] : serial.statistics) {
+      const Mat& other = r.statistics.at(name);
+      for (int i = mat.rlo(); i <= mat.rhi(); ++i)
+        for (int j = mat.clo(); j <= mat.chi(); ++j) EXPECT_EQ(other(i, j), mat(i, j)) << name;
+    }
+    for (int k = 0; k < kMethodCount; ++k)
+      EXPECT_EQ(r.lastRun[static_cast<std::size_t>(k)].criterion,
+                serial.lastRun[static_cast<std::size_t>(k)].criterion);
+  }
 }
 
 TEST(Compare, TheStreamContinuesFromOneComparisonToTheNext) {

@@ -10,9 +10,13 @@
 #include <QButtonGroup>
 #include <QClipboard>
 #include <QDialog>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QStatusBar>
 #include <QTest>
 #include <algorithm>
 #include <array>
@@ -28,7 +32,9 @@
 #include "model/model_file.h"
 #include "results/results_table.h"
 #include "solve/drivers.h"
+#include "stoch/compare.h"
 #include "support/temp_dir.h"
+#include "ui/dialogs/spec_dialogs.h"
 #include "ui/menu_table.h"
 #include "ui/qt_app.h"
 #include "ui/results_view.h"
@@ -67,7 +73,7 @@ struct Harness {
       return static_cast<int>(QDialog::Rejected);
     });
   }
-  std::string title() const { return window->windowTitle().toStdString(); }
+  std::string title() const { return window->windowTitle().remove("[*]").toStdString(); }
   std::vector<std::string> texts() const {
     std::vector<std::string> out;
     for (const Message& m : prompter.messages()) out.push_back(m.text);
@@ -446,9 +452,9 @@ TEST(MainWindowData, StochasticTermChecksComeBeforeTheDialogs) {
   h.prompter.clear();
   h.window->dispatch(78);
   h.window->dispatch(77);
-  ASSERT_EQ(h.prompter.messages().size(), 2u);
+  ASSERT_EQ(h.prompter.messages().size(), 1u);
   EXPECT_EQ(h.prompter.messages()[0].caption, "Measurement Error Terms Not Defined!");
-  EXPECT_NE(h.prompter.messages()[1].caption, "Uncertain Parameter Terms Not Defined!");
+  EXPECT_EQ(h.dialogs, std::vector<std::string>{"DataInStoch"});
   // Policy effect off: the N matrix is not allocated.
   h.window->workbench().model.flags.policyToParam = 406;
   h.prompter.clear();
@@ -665,6 +671,66 @@ TEST(MainWindowSolve, CompareWithAScriptedMethodChoice) {
   h.dialogs.clear();
   h.window->dispatch(141);
   EXPECT_EQ(h.dialogs, std::vector<std::string>{"METHOD_WO"});
+}
+
+// The runs go to a worker thread: the window stays live, and Cancel stops them after the run in
+// hand, keeping no result and leaving the generator where it was.
+TEST(MainWindowSolve, CancelledComparisonKeepsNothing) {
+  testing::TempDir dir;
+  Harness h(exampleCopy(dir, "learn1.ovi"));
+  h.fill = [](QDialog& d) {
+    for (QButtonGroup* g : d.findChildren<QButtonGroup*>())
+      if (QAbstractButton* b = g->button(1620)) b->click();  // CE
+    d.accept();
+    return static_cast<int>(QDialog::Accepted);
+  };
+
+  Workbench& wb = h.window->workbench();
+  wb.model.dims.nmc.set(400);
+  const float seed = wb.random.quarnsSeed;
+  bool disabledWhileRunning = false;
+  QObject::connect(h.window->progressBar(), &QProgressBar::valueChanged, h.window.get(),
+                   [&](int value) {
+                     if (value != 1) return;
+                     disabledWhileRunning = !h.window->menuBar()->isEnabled();
+                     h.window->cancelButton()->click();
+                   });
+  h.window->dispatch(137);
+  EXPECT_TRUE(wb.results.ran.compare[ovaro::kCe]);
+  EXPECT_TRUE(disabledWhileRunning);
+  EXPECT_LT(h.window->progressBar()->value(), 400);
+  EXPECT_EQ(wb.results.find("CE"), nullptr);
+  EXPECT_EQ(wb.random.quarnsSeed, seed);
+  EXPECT_EQ(h.window->statusBar()->currentMessage().toStdString(),
+            "Compare cancelled: nothing kept");
+  EXPECT_TRUE(h.window->menuBar()->isEnabled());
+  EXPECT_FALSE(h.window->cancelButton()->isVisibleTo(h.window.get()));
+}
+
+// Data: Size on a model with data grows it through the transformation (old cells kept, old
+// results gone); Delete a State Variable takes the new state out again.
+TEST(MainWindowModel, SizeAndTransformationsReshapeTheModel) {
+  testing::TempDir dir;
+  Harness h(exampleCopy(dir, "track1.ovi"));
+  Workbench& wb = h.window->workbench();
+  const TextMatrix a = *wb.model.matrix(MatrixId::A);
+  h.window->dispatch(133);
+  ASSERT_NE(wb.results.find("QLP"), nullptr);
+  h.fill = [](QDialog& d) {
+    if (auto* size = qobject_cast<SizeDialog*>(&d)) size->field(303)->setText("2");
+    if (auto* del = qobject_cast<DeleteElemDialog*>(&d)) del->field()->setText("2");
+    d.accept();
+    return static_cast<int>(QDialog::Accepted);
+  };
+  h.prompter.setAnswerYes(true);
+  h.window->dispatch(65);
+  EXPECT_EQ(wb.model.dims.n.value, 2);
+  ASSERT_EQ(wb.model.matrix(MatrixId::A)->rows(), 2);
+  EXPECT_EQ(wb.model.matrix(MatrixId::A)->cell(0, 0), a.cell(0, 0));
+  EXPECT_EQ(wb.results.find("QLP"), nullptr);
+  h.window->dispatch(121);
+  EXPECT_EQ(wb.model.dims.n.value, 1);
+  EXPECT_EQ(*wb.model.matrix(MatrixId::A), a);
 }
 
 }  // namespace

@@ -1,0 +1,164 @@
+// The specification, size, deletion, matrix-entry and acronym dialogs: what each writes, when.
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QButtonGroup>
+#include <QDialogButtonBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+
+#include "model/options.h"
+#include "ui/dialogs/acronym_window.h"
+#include "ui/dialogs/matrix_entry.h"
+#include "ui/dialogs/spec_dialogs.h"
+#include "ui/qt_app.h"
+
+namespace ovaro::ui {
+namespace {
+
+void type(QLineEdit* edit, const QString& text) {
+  ASSERT_NE(edit, nullptr);
+  edit->clear();
+  QTest::keyClicks(edit, text);
+}
+
+void press(QDialog& d, QDialogButtonBox::StandardButton which) {
+  d.findChild<QDialogButtonBox*>()->button(which)->click();
+}
+
+Model sized(int n, int m, int l, int first, int last) {
+  Model model;
+  clearModel(model);
+  model.dims.n.set(n);
+  model.dims.m.set(m);
+  model.dims.l.set(l);
+  model.dims.initialPeriod.set(first);
+  model.dims.terminalPeriod.set(last);
+  model.dims.recomputePeriods();
+  return model;
+}
+
+// Size: texts are stored as typed and converted plainly (not a number: 0); nt follows the
+// periods. Cancel writes nothing.
+TEST(SizeDialog, OkConvertsEveryFieldAndRecomputesPeriodsCancelWritesNothing) {
+  test::qtApp();
+  for (bool ok : {true, false}) {
+    Model model = sized(2, 1, 1, 1, 5);
+    const Dimensions before = model.dims;
+    SizeDialog dialog(model.dims);
+    type(dialog.field(303), "4");
+    type(dialog.field(302), "x");
+    type(dialog.field(309), "2001");
+    type(dialog.field(310), "2010");
+    type(dialog.field(313), "1.0E-06");
+    type(dialog.field(307), "123456789");  // stops at 8 characters
+    press(dialog, ok ? QDialogButtonBox::Ok : QDialogButtonBox::Cancel);
+    if (!ok) {
+      EXPECT_EQ(model.dims, before);
+      continue;
+    }
+    EXPECT_EQ(model.dims.n.value, 4);
+    EXPECT_EQ(model.dims.m.text, "x");
+    EXPECT_EQ(model.dims.m.value, 0);
+    EXPECT_EQ(model.dims.nt.value, 10);
+    EXPECT_EQ(model.dims.ntMinus1.value, 9);
+    EXPECT_DOUBLE_EQ(model.dims.tolerance, 1e-6);
+    EXPECT_EQ(model.dims.nmc.text, "12345678");
+  }
+}
+
+// A click writes its option at once, and Cancel does not undo it.
+TEST(FormsDialog, ClicksWriteAtOnceAndCancelKeepsThem) {
+  test::qtApp();
+  SpecFlags flags;
+  flags.wForm = opt::kWConstant;
+  flags.systemForm = opt::kRegular;
+  FormsDialog dialog(flags);
+  EXPECT_EQ(dialog.windowTitle(), "Form Specifications");
+  for (int id : {opt::kWTimeVarying, opt::kPindyck, opt::kUdesTimeVarying, opt::kZTimeVarying}) {
+    ASSERT_NE(dialog.groupOf(id), nullptr) << id;
+    dialog.groupOf(id)->button(id)->click();
+  }
+  EXPECT_TRUE(dialog.groupOf(opt::kWTerminalDifferent)
+                  ->button(opt::kWTerminalDifferent)
+                  ->text()
+                  .startsWith("*"));
+  press(dialog, QDialogButtonBox::Cancel);
+  EXPECT_EQ(flags.wForm, opt::kWTimeVarying);
+  EXPECT_EQ(flags.systemForm, opt::kPindyck);
+  EXPECT_EQ(flags.udesForm, opt::kUdesTimeVarying);
+  EXPECT_EQ(flags.zForm, opt::kZTimeVarying);
+}
+
+TEST(DeleteElemDialog, OkStoresTheNumberAndConfirmsCancelDoesNot) {
+  test::qtApp();
+  int index = 0, confirmed = -1;
+  {
+    DeleteElemDialog dialog(index, confirmed);
+    type(dialog.field(), "3");
+    press(dialog, QDialogButtonBox::Ok);
+  }
+  EXPECT_EQ(index, 3);
+  EXPECT_EQ(confirmed, 1);
+  DeleteElemDialog dialog(index, confirmed);
+  type(dialog.field(), "1");
+  press(dialog, QDialogButtonBox::Cancel);
+  EXPECT_EQ(index, 3);
+  EXPECT_EQ(confirmed, 0);
+}
+
+// Buttons only for the matrices the model holds, each naming its matrix to the caller's action.
+TEST(MatrixEntryDialog, OffersExactlyTheHeldMatricesOfItsGroup) {
+  test::qtApp();
+  Model model = sized(2, 1, 1, 1, 4);
+  model.flags = {opt::kParameterUncertainty,
+                 opt::kQuadraticTracking,
+                 opt::kRegular,
+                 opt::kForwardNo,
+                 opt::kPolicyNo,
+                 opt::kZTimeVarying,
+                 opt::kWTimeVarying,
+                 opt::kLambdaConstant,
+                 opt::kXdesConstant,
+                 opt::kUdesTimeVarying,
+                 opt::kGenerateInternally};
+  model.dims.np.set(2);
+  allocateModelArrays(model);
+  for (const MatrixEntryGroup& group : matrixEntryGroups()) {
+    std::vector<MatrixId> opened;
+    MatrixEntryDialog dialog(group, model, [&](MatrixId id) { opened.push_back(id); });
+    for (QAbstractButton* b : dialog.buttons()->buttons()) b->click();
+    std::vector<MatrixId> held;
+    for (MatrixId id : group.matrices) {
+      if (model.holds(id)) held.push_back(id);
+    }
+    EXPECT_EQ(opened, held) << group.name;
+  }
+  const MatrixEntryGroup& crw = *matrixEntryGroup("DataInCRW");
+  MatrixEntryDialog dialog(crw, model, {});
+  EXPECT_NE(dialog.buttons()->button(622), nullptr);  // WT
+  EXPECT_EQ(dialog.buttons()->button(620), nullptr);  // no W
+  EXPECT_EQ(matrixEntryGroup("DataInStoch")->title, "Stoch Elem: Uncertain Parameters");
+  EXPECT_EQ(systemEquationsGroup(model), "DataInSEC4");
+}
+
+// The acronym window writes on OK, refuses '~' as it is typed, and pads names to their slots.
+TEST(AcronymWindow, OkWritesLabelsWithoutTheFieldSeparator) {
+  test::qtApp();
+  Model model = sized(2, 1, 0, 1, 3);
+  model.flags.stochTerms = opt::kDeterministic;
+  allocateModelArrays(model);
+  AcronymWindow window(model);
+  type(window.acronymField(LabelKind::States, 1), "IN~FL123456");
+  type(window.nameField(LabelKind::States, 1), "Inflation");
+  type(window.acronymField(LabelKind::Periods, 2), "Q3");
+  press(window, QDialogButtonBox::Ok);
+  EXPECT_EQ(model.states.acronyms[1], "INFL1234");
+  EXPECT_EQ(model.states.names[1], "Inflation" + std::string(39, ' '));
+  EXPECT_EQ(model.periods.acronyms[2], "Q3");
+  EXPECT_EQ(model.states.acronyms[0], " ");
+}
+
+}  // namespace
+}  // namespace ovaro::ui
