@@ -167,6 +167,19 @@ nlohmann::json pathsJson(const Mat& paths, int rows, int lastPeriod) {
   return list;
 }
 
+// Why a solve or a set of runs stopped: a debug file that could not be written in full (the
+// workbench says nothing about it, the batch tool says so on stderr), else the last message.
+std::string stopReason(const Workbench& wb, const RecordingPrompter& prompter,
+                       const char* otherwise, std::ostream& err) {
+  if (wb.debugFile.failed()) {
+    const std::string reason = "writing the debug file " + wb.debugFile.path() +
+                               " fell short (is the disk full?); the work was abandoned";
+    err << "ovaro-cli: " << reason << "\n";
+    return reason;
+  }
+  return prompter.messages().empty() ? std::string(otherwise) : prompter.messages().back().text;
+}
+
 int solve(const SolveOptions& o, std::ostream& out, std::ostream& err) {
   RecordingPrompter prompter(&err);
   NullProgress progress;
@@ -181,10 +194,9 @@ int solve(const SolveOptions& o, std::ostream& out, std::ostream& err) {
     if (!parseCaution(o.caution, wb.caution, err)) return kExitUsage;
   }
   auto failed = [&] {
+    const std::string reason = stopReason(wb, prompter, "solve failed", err);
     if (o.json)
-      out << dumpJson({{"error", prompter.messages().empty() ? std::string("solve failed")
-                                                             : prompter.messages().back().text},
-                       {"messages", messagesJson(prompter.messages())}});
+      out << dumpJson({{"error", reason}, {"messages", messagesJson(prompter.messages())}});
     return kExitFailed;
   };
   if (readModelFile(o.model, wb.model, prompter) != 1) {
@@ -316,10 +328,9 @@ int compare(const MonteCarloOptions& o, bool tty, std::ostream& out, std::ostrea
   if (o.runs >= 0) runs = o.runs;
   const CompareResult r = runCompareCommand(wb, methods, runs);
   if (r.status != 1) {
+    const std::string reason = stopReason(wb, prompter, "comparison stopped", err);
     if (o.json)
-      out << dumpJson({{"error", prompter.messages().empty() ? std::string("comparison stopped")
-                                                             : prompter.messages().back().text},
-                       {"messages", messagesJson(prompter.messages())}});
+      out << dumpJson({{"error", reason}, {"messages", messagesJson(prompter.messages())}});
     return kExitFailed;
   }
   // Averages are formed by the summary only when there are two runs or more; for one run the
@@ -391,10 +402,9 @@ int updating(const MonteCarloOptions& o, bool tty, std::ostream& out, std::ostre
   if (o.runs >= 0) runs = o.runs;
   const UpdatingResult r = runUpdatingCommand(wb, runs);
   if (r.status != 1) {
+    const std::string reason = stopReason(wb, prompter, "runs stopped", err);
     if (o.json)
-      out << dumpJson({{"error", prompter.messages().empty() ? std::string("runs stopped")
-                                                             : prompter.messages().back().text},
-                       {"messages", messagesJson(prompter.messages())}});
+      out << dumpJson({{"error", reason}, {"messages", messagesJson(prompter.messages())}});
     return kExitFailed;
   }
   if (o.json) {

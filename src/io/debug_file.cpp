@@ -135,6 +135,7 @@ DebugFile::~DebugFile() {
 bool DebugFile::open(const std::string& path) {
   close();
   path_ = path;
+  failed_ = false;
   if (path.empty()) return false;
   // The trace of an earlier command under the same name is replaced, not appended to. Devices,
   // pipes and directories are left where they are: opening them below succeeds or fails on its
@@ -162,6 +163,7 @@ int DebugFile::write(std::string_view text) {
   } while (written < 0 && errno == EINTR);
   if (written < 0 || static_cast<std::size_t>(written) != text.size()) {
     close();
+    failed_ = true;
     return 0;
   }
   return 1;

@@ -6,10 +6,11 @@
 // follow the computation step by step.
 //
 // Writing: every dump is assembled in memory and handed to the file in one unbuffered write, whose
-// count is compared with the count asked. The first shortfall closes the file, and the dump
-// returns 0; from then on every dump returns 0 without writing, so a computation that does not
-// test a dump's result still stops tracing at once, and one that does can give up. Dumps return
-// 1 on success.
+// count is compared with the count asked. The first shortfall closes the file, the dump returns
+// 0, and the file remembers the failure until it is opened again; from then on every dump returns
+// 0 without writing. Computations therefore dump without testing each result and ask the file
+// once, at the end of their work or where they would give up, whether the trace went through.
+// Dumps return 1 on success.
 //
 // Layout of the matrix dumps: columns in blocks of at most five. With k = chi - clo + 1 columns
 // there are max(k / 5, 1) full blocks, the first covering clo .. clo + min(k, 5) - 1 and each
@@ -58,6 +59,11 @@ class DebugFile final : public MatrixTrace {
   bool open(const std::string& path);
   bool isOpen() const { return fd_ >= 0; }
   void close();
+  // Whether a write fell short since the last open(): the trace is incomplete and the traced
+  // command fails. Closing the file, by the command or by the failure, keeps the answer.
+  bool failed() const { return failed_; }
+  // The same as a traced routine's result: 1, or 0 after a failed write.
+  int ok() const { return failed_ ? 0 : 1; }
   // The name last given to open(), kept after the file is closed.
   const std::string& path() const { return path_; }
 
@@ -110,6 +116,7 @@ class DebugFile final : public MatrixTrace {
  private:
   const int* formatId_;
   int fd_ = -1;
+  bool failed_ = false;
   std::string path_;
 };
 

@@ -76,16 +76,16 @@ int addScenario(ScenarioStore& store, const Solution& solution, const ScenarioNa
 
 int dumpScenarios(const ScenarioStore& s, DebugFile& f) {
   const int S = s.count, T = s.nt;
-  int ok = f.dumpMatrix3("ScenarioXs", 1, s.n, 0, T, 1, S, s.xs);
-  ok &= f.dumpMatrix3("ScenarioUs", 1, s.m, 0, T - 1, 1, S, s.us);
-  ok &= f.dumpMatrix3("ScenarioXsDes", 1, s.n, 0, T, 1, S, s.xsDes);
-  ok &= f.dumpMatrix3("ScenarioUsDes", 1, s.m, 0, T - 1, 1, S, s.usDes);
-  ok &= f.writeHeading("\r\nTranspose of Scenarios - each state and each control");
-  ok &= f.dumpMatrix3("ScenarioXsT", 1, s.n, 1, S, 0, T, transposed(s.xs, s.n, T, S));
-  ok &= f.dumpMatrix3("ScenarioUsT", 1, s.m, 1, S, 0, T - 1, transposed(s.us, s.m, T - 1, S));
-  ok &= f.dumpMatrix3("ScenarioXsDesT", 1, s.n, 1, S, 0, T, transposed(s.xsDes, s.n, T, S));
-  ok &= f.dumpMatrix3("ScenarioUsDesT", 1, s.m, 1, S, 0, T - 1, transposed(s.usDes, s.m, T - 1, S));
-  return ok;
+  f.dumpMatrix3("ScenarioXs", 1, s.n, 0, T, 1, S, s.xs);
+  f.dumpMatrix3("ScenarioUs", 1, s.m, 0, T - 1, 1, S, s.us);
+  f.dumpMatrix3("ScenarioXsDes", 1, s.n, 0, T, 1, S, s.xsDes);
+  f.dumpMatrix3("ScenarioUsDes", 1, s.m, 0, T - 1, 1, S, s.usDes);
+  f.writeHeading("\r\nTranspose of Scenarios - each state and each control");
+  f.dumpMatrix3("ScenarioXsT", 1, s.n, 1, S, 0, T, transposed(s.xs, s.n, T, S));
+  f.dumpMatrix3("ScenarioUsT", 1, s.m, 1, S, 0, T - 1, transposed(s.us, s.m, T - 1, S));
+  f.dumpMatrix3("ScenarioXsDesT", 1, s.n, 1, S, 0, T, transposed(s.xsDes, s.n, T, S));
+  f.dumpMatrix3("ScenarioUsDesT", 1, s.m, 1, S, 0, T - 1, transposed(s.usDes, s.m, T - 1, S));
+  return f.ok();
 }
 
 std::vector<int> chosenScenarios(const ScenarioStore& store, const ScenarioPlotChoices& c) {

@@ -49,9 +49,9 @@ ForwardContext forwardContext(const Model& model, const char* method) {
 // Recursion, forward pass and criterion with the current cs.
 int qlpOnce(const SystemArrays& sys, const CriterionArrays& crit, FeedbackRule& rule, Mat& xs,
             Mat& us, double& criterion, const SolveTrace& trace) {
-  int ok = riccati(sys, crit, rule, trace);
-  ok &= pathsAndCriterion(sys, crit, rule, xs, us, criterion, trace);
-  return ok;
+  riccati(sys, crit, rule, trace);
+  pathsAndCriterion(sys, crit, rule, xs, us, criterion, trace);
+  return trace.ok();
 }
 
 bool requireUncertainInputs(const Model& model, Prompter& prompter) {
@@ -86,6 +86,8 @@ std::optional<Solution> solveQlp(const Model& model, Prompter& prompter, const S
     forwardVariableLoop(sys, xs, us, ctx, prompter, trace,
                         [&] { return qlpOnce(sys, crit, rule, xs, us, criterion, trace); });
   }
+  // A trace that broke off ends the solve without a solution: the command asks here, once.
+  if (!trace.ok()) return std::nullopt;
   return makeSolution("QLP", sys, crit, xs, us, criterion);
 }
 
@@ -167,6 +169,7 @@ std::optional<Solution> solveOlf(const Model& model, const CautionExperiment& ca
       return olf(sys, crit, par, caution, rule, xs, us, criterion, prompter, trace);
     });
   }
+  if (!trace.ok()) return std::nullopt;
   return makeSolution("OLFwo", sys, crit, xs, us, criterion);
 }
 

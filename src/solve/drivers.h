@@ -14,7 +14,8 @@
 namespace ovaro {
 
 // The deterministic solution of the Model, with the forward-variable iteration when the model
-// has forward variables. nullopt when the Model cannot be solved (the reason has been shown).
+// has forward variables. nullopt when the Model cannot be solved (the reason has been shown) or
+// when a write to the debug file fell short (no message: the trace simply stops).
 std::optional<Solution> solveQlp(const Model& model, Prompter& prompter, const SolveTrace& trace);
 
 // The open loop feedback solution without updating. Refused with a message unless the model has

@@ -31,14 +31,13 @@ int forward(int n, int m, int nt, int t0, int forwardFlag, int maxLead, Mat& cs,
   (void)m;
   if (forwardFlag == 0) return 1;
   const bool traced = trace.on(SolveTopic::ForwardVariables);
-  int ok = 1;
   if (traced) {
     DebugFile& f = trace.file();
-    ok &= f.dumpMatrix("cs in forward at top", 1, n, 0, nt - 1, cs);
-    ok &= f.dumpMatrix("d1 in forward", 1, n, 1, n, d1);
-    if (maxLead >= 2) ok &= f.dumpMatrix("d2 in forward", 1, n, 1, n, d2);
-    if (maxLead >= 3) ok &= f.dumpMatrix("d3 in forward", 1, n, 1, n, d3);
-    ok &= f.dumpMatrix("xs in forward", 1, n, 0, nt + maxLead, xs);
+    f.dumpMatrix("cs in forward at top", 1, n, 0, nt - 1, cs);
+    f.dumpMatrix("d1 in forward", 1, n, 1, n, d1);
+    if (maxLead >= 2) f.dumpMatrix("d2 in forward", 1, n, 1, n, d2);
+    if (maxLead >= 3) f.dumpMatrix("d3 in forward", 1, n, 1, n, d3);
+    f.dumpMatrix("xs in forward", 1, n, 0, nt + maxLead, xs);
   }
   Mat dx1 = mat2(1, n, 1, 1), dx2 = mat2(1, n, 1, 1), dx3 = mat2(1, n, 1, 1);
   Mat ck = mat2(1, n, 1, 1), ckdx = mat2(1, n, 1, 1), ckdx1 = mat2(1, n, 1, 1),
@@ -64,24 +63,24 @@ int forward(int n, int m, int nt, int t0, int forwardFlag, int maxLead, Mat& cs,
     vcolset(n, t, *result, cs);
     if (traced) {
       DebugFile& f = trace.file();
-      ok &= f.dumpMatrix("xk1 in forward", 1, n, c1, c1, xs);
-      ok &= f.dumpMatrix("dx1 in forward", 1, n, 1, 1, dx1);
-      ok &= f.dumpMatrix("ck in forward", 1, n, 1, 1, ck);
-      ok &= f.dumpMatrix("ckdx in forward", 1, n, 1, 1, ckdx);
+      f.dumpMatrix("xk1 in forward", 1, n, c1, c1, xs);
+      f.dumpMatrix("dx1 in forward", 1, n, 1, 1, dx1);
+      f.dumpMatrix("ck in forward", 1, n, 1, 1, ck);
+      f.dumpMatrix("ckdx in forward", 1, n, 1, 1, ckdx);
       if (maxLead >= 2) {
-        ok &= f.dumpMatrix("xk2 in forward", 1, n, c2, c2, xs);
-        ok &= f.dumpMatrix("dx2 in forward", 1, n, 1, 1, dx2);
-        ok &= f.dumpMatrix("ckdx1 in forward", 1, n, 1, 1, ckdx1);
+        f.dumpMatrix("xk2 in forward", 1, n, c2, c2, xs);
+        f.dumpMatrix("dx2 in forward", 1, n, 1, 1, dx2);
+        f.dumpMatrix("ckdx1 in forward", 1, n, 1, 1, ckdx1);
       }
       if (maxLead >= 3) {
-        ok &= f.dumpMatrix("xk3 in forward", 1, n, c3, c3, xs);
-        ok &= f.dumpMatrix("dx3 in forward", 1, n, 1, 1, dx3);
-        ok &= f.dumpMatrix("ckdx1dx2 in forward", 1, n, 1, 1, ckdx1dx2);
+        f.dumpMatrix("xk3 in forward", 1, n, c3, c3, xs);
+        f.dumpMatrix("dx3 in forward", 1, n, 1, 1, dx3);
+        f.dumpMatrix("ckdx1dx2 in forward", 1, n, 1, 1, ckdx1dx2);
       }
     }
   }
-  if (traced) ok &= trace.file().dumpMatrix("cs in forward at bottom", 1, n, 0, nt - 1, cs);
-  return ok;
+  if (traced) trace.file().dumpMatrix("cs in forward at bottom", 1, n, 0, nt - 1, cs);
+  return trace.ok();
 }
 
 int CheckConvergence(int run, int iteration, int t0, int m, int nt, const Mat& usiter, Mat& usOld,
@@ -144,49 +143,46 @@ int forwardVariableLoop(SystemArrays& sys, Mat& xs, const Mat& us, ForwardContex
   mmovsub(1, n, 0, nt - 1, sys.cs, csBase);
   Mat usiter = mat2(1, m, 0, nt - 1);
   Mat usOld = mat2(1, m, 0, nt - 1);
-  int ok = 1;
   for (int iteration = 1; iteration <= ctx.iterlim; ++iteration) {
-    ok &= forward(n, m, nt, 0, sys.forward, sys.maxLead, sys.cs, sys.d1, sys.d2, sys.d3, xs, trace);
-    ok &= solveOnce();
+    forward(n, m, nt, 0, sys.forward, sys.maxLead, sys.cs, sys.d1, sys.d2, sys.d3, xs, trace);
+    solveOnce();
     mmovsub(1, n, 0, nt - 1, csBase, sys.cs);
     mmovsub(1, m, 0, nt - 1, us, usiter);
     double eps = 0.0;
-    ok &= CheckConvergence(1, iteration, 0, m, nt, usiter, usOld, eps, ctx, trace);
+    CheckConvergence(1, iteration, 0, m, nt, usiter, usOld, eps, ctx, trace);
     if (iteration >= 2 && eps <= ctx.tolerance) break;
   }
   if (ctx.notConverged) {
     prompter.inform(kForwardNotConverged, "Warning!", Icon::Exclamation);
     ctx.notConverged = false;
   }
-  return ok;
+  return trace.ok();
 }
 
 int InitializeXsiterUsiter(int t0, int n, int m, int nt, int maxLead, const Mat& xtws,
                            const Mat& us, const Mat& xsiterStore, bool notConverged, Mat& xsiter,
                            Mat& usiter, const SolveTrace& trace) {
   const bool traced = trace.on(SolveTopic::ForwardVariables);
-  int ok = 1;
   if (t0 == 0 || notConverged) {
     mmovsub(1, n, t0, nt, xtws, xsiter);
     if (traced)
-      ok &= trace.file().dumpMatrix("xsiter in InitializeXsiterUsiter after xtws load", 1, n, t0,
-                                    nt + maxLead, xsiter);
+      trace.file().dumpMatrix("xsiter in InitializeXsiterUsiter after xtws load", 1, n, t0,
+                              nt + maxLead, xsiter);
     // Beyond the horizon the lead states are the terminal desired state, through column nt+3
     // so that the one-period step can always read three leads ahead.
     for (int t = nt + 1; t <= nt + 3; ++t)
       for (int i = 1; i <= n; ++i) xsiter(i, t) = xtws(i, nt);
     if (traced)
-      ok &= trace.file().dumpMatrix("xsiter in InitializeXsiterUsiter after load beyond column nt",
-                                    1, n, t0, nt + maxLead, xsiter);
+      trace.file().dumpMatrix("xsiter in InitializeXsiterUsiter after load beyond column nt", 1, n,
+                              t0, nt + maxLead, xsiter);
   } else {
     mmovsub(1, n, t0, nt + 3, xsiterStore, xsiter);
     if (traced)
-      ok &=
-          trace.file().dumpMatrix("xsiter in InitializeXsiterUsiter after loading from xsiterStore",
-                                  1, n, t0, nt + maxLead, xsiter);
+      trace.file().dumpMatrix("xsiter in InitializeXsiterUsiter after loading from xsiterStore", 1,
+                              n, t0, nt + maxLead, xsiter);
   }
   mmovsub(1, m, 0, nt - 1, us, usiter);
-  return ok;
+  return trace.ok();
 }
 
 void CompXForw(int n, int m, int nt, int ny, int t, const Mat& a, const Mat& b, const Mat& cs,
@@ -215,29 +211,28 @@ int ProjectionForwVar(int iteration, int iterlim, int t0, int n, int m, int nt, 
   Mat x = mat2(1, n, 1, 1), u = mat2(1, m, 1, 1), xnext = mat2(1, n, 1, 1), y = mat2(1, ny, 1, 1);
   mmov(n, 1, x0, x);
   vcolset(n, t0, x, xsiter);
-  int ok = 1;
   for (int t = t0; t <= nt - 1; ++t) {
-    ok &= compu(n, m, nt, t, rule, x, u, trace);
-    if (traced) ok &= trace.file().dumpMatrix("ukk in ProjectionForwVar", 1, m, 1, 1, u);
+    compu(n, m, nt, t, rule, x, u, trace);
+    if (traced) trace.file().dumpMatrix("ukk in ProjectionForwVar", 1, m, 1, 1, u);
     CompXForw(n, m, nt, ny, t, a, b, cs, d1, d2, d3, xsiter, h, x, u, xnext, y);
-    if (traced) ok &= trace.file().dumpMatrix("xkk1 in ProjectionForwVar", 1, n, 1, 1, xnext);
+    if (traced) trace.file().dumpMatrix("xkk1 in ProjectionForwVar", 1, n, 1, 1, xnext);
     mmov(n, 1, xnext, x);
     vcolset(n, t + 1, x, xsiter);
     vcolset(m, t, u, usiter);
   }
   if (traced && iteration < iterlim - 2) {
-    ok &= trace.file().dumpMatrix("xsiter in ProjectionForwVar", 1, n, t0, nt, xsiter);
-    ok &= trace.file().dumpMatrix("usiter in ProjectionForwVar", 1, m, t0, nt - 1, usiter);
+    trace.file().dumpMatrix("xsiter in ProjectionForwVar", 1, n, t0, nt, xsiter);
+    trace.file().dumpMatrix("usiter in ProjectionForwVar", 1, m, t0, nt - 1, usiter);
   }
   if (trace.on(SolveTopic::ForwardLastTwo) &&
       (iteration == iterlim - 1 || iteration == iterlim - 2)) {
-    ok &= trace.file().dumpMatrix("xsiter in ProjectionForwVar - last two iterations", 1, n, t0, nt,
-                                  xsiter);
-    ok &= trace.file().dumpMatrix("usiter in ProjectionForwVar - last two iterations", 1, m, t0,
-                                  nt - 1, usiter);
+    trace.file().dumpMatrix("xsiter in ProjectionForwVar - last two iterations", 1, n, t0, nt,
+                            xsiter);
+    trace.file().dumpMatrix("usiter in ProjectionForwVar - last two iterations", 1, m, t0, nt - 1,
+                            usiter);
   }
   mmovsub(1, n, 0, nt - 1, cs, csOut);
-  return ok;
+  return trace.ok();
 }
 
 }  // namespace ovaro

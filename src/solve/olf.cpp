@@ -29,14 +29,13 @@ int comphiolf(int n, int m, int nt, int np, int t, const Mat& a, const Mat& b, c
               const Mat& k, const Mat& lams, const IMat& napar, const IMat& nbpar, const Mat& sitt,
               const Mat& ws, Mat& phi, Mat& psi, Mat& theta, const SolveTrace& trace) {
   const bool traced = trace.on(SolveTopic::PhiThetaPsi);
-  int ok = 1;
   if (traced) {
     DebugFile& d = trace.file();
-    ok &= d.dumpMatrix("kj1 in comphiolf", 1, n, 1, n, k);
-    ok &= d.dumpMatrix("ws in comphiolf", 1, n, 0, nt, ws);
-    ok &= d.dumpMatrix("a in comphiolf", 1, n, 1, n, a);
-    ok &= d.dumpMatrix("sitt in comphiolf", 1, np, 1, np, sitt);
-    ok &= d.dumpMatrix("b in comphiolf", 1, n, 1, m, b);
+    d.dumpMatrix("kj1 in comphiolf", 1, n, 1, n, k);
+    d.dumpMatrix("ws in comphiolf", 1, n, 0, nt, ws);
+    d.dumpMatrix("a in comphiolf", 1, n, 1, n, a);
+    d.dumpMatrix("sitt in comphiolf", 1, np, 1, np, sitt);
+    d.dumpMatrix("b in comphiolf", 1, n, 1, m, b);
   }
   Mat eaka = mat2(1, n, 1, n), ebkb = mat2(1, m, 1, m), eakb = mat2(1, n, 1, m);
   expectedQuadForm(n, n, n, a, a, napar, napar, sitt, k, eaka);
@@ -47,14 +46,14 @@ int comphiolf(int n, int m, int nt, int np, int t, const Mat& a, const Mat& b, c
   madd(n, m, eakb, f, psi);
   if (traced) {
     DebugFile& d = trace.file();
-    ok &= d.dumpMatrix("eaka in comphiolf", 1, n, 1, n, eaka);
-    ok &= d.dumpMatrix("phi in comphiolf", 1, n, 1, n, phi);
-    ok &= d.dumpMatrix("ebkb in comphiolf", 1, m, 1, m, ebkb);
-    ok &= d.dumpMatrix("theta in comphiolf", 1, m, 1, m, theta);
-    ok &= d.dumpMatrix("eakb in comphiolf", 1, n, 1, m, eakb);
-    ok &= d.dumpMatrix("psi in comphiolf", 1, n, 1, m, psi);
+    d.dumpMatrix("eaka in comphiolf", 1, n, 1, n, eaka);
+    d.dumpMatrix("phi in comphiolf", 1, n, 1, n, phi);
+    d.dumpMatrix("ebkb in comphiolf", 1, m, 1, m, ebkb);
+    d.dumpMatrix("theta in comphiolf", 1, m, 1, m, theta);
+    d.dumpMatrix("eakb in comphiolf", 1, n, 1, m, eakb);
+    d.dumpMatrix("psi in comphiolf", 1, n, 1, m, psi);
   }
-  return ok;
+  return trace.ok();
 }
 
 int comphilcolf(int n, int m, int nt, int np, int t, const Mat& a, const Mat& b, const Mat& cs,
@@ -80,18 +79,17 @@ int comphilcolf(int n, int m, int nt, int np, int t, const Mat& a, const Mat& b,
   for (int j = 1; j <= m; ++j) thetalc(j, 1) = btkcp(j, 1) + lamlcs(j, t);
   if (!trace.on(SolveTopic::PhiThetaPsi)) return 1;
   DebugFile& d = trace.file();
-  int ok = 1;
-  ok &= d.dumpMatrix("atkc in comphilcolf", 1, n, 1, 1, atkc);
-  ok &= d.dumpMatrix("atp in comphilcolf", 1, n, 1, 1, atp);
-  ok &= d.dumpMatrix("atkcp in comphilcolf", 1, n, 1, 1, atkcp);
-  ok &= d.dumpMatrix("wlc in comphilcolf", 1, n, t, t, wlcs);
-  ok &= d.dumpMatrix("philc in comphilcolf", 1, n, 1, 1, philc);
-  ok &= d.dumpMatrix("btkc in comphilcolf", 1, m, 1, 1, btkc);
-  ok &= d.dumpMatrix("btp in comphilcolf", 1, m, 1, 1, btp);
-  ok &= d.dumpMatrix("btkcp in comphilcolf", 1, m, 1, 1, btkcp);
-  ok &= d.dumpMatrix("lamlc in comphilcolf", 1, m, t, t, lamlcs);
-  ok &= d.dumpMatrix("thetalc in comphilcolf", 1, m, 1, 1, thetalc);
-  return ok;
+  d.dumpMatrix("atkc in comphilcolf", 1, n, 1, 1, atkc);
+  d.dumpMatrix("atp in comphilcolf", 1, n, 1, 1, atp);
+  d.dumpMatrix("atkcp in comphilcolf", 1, n, 1, 1, atkcp);
+  d.dumpMatrix("wlc in comphilcolf", 1, n, t, t, wlcs);
+  d.dumpMatrix("philc in comphilcolf", 1, n, 1, 1, philc);
+  d.dumpMatrix("btkc in comphilcolf", 1, m, 1, 1, btkc);
+  d.dumpMatrix("btp in comphilcolf", 1, m, 1, 1, btp);
+  d.dumpMatrix("btkcp in comphilcolf", 1, m, 1, 1, btkcp);
+  d.dumpMatrix("lamlc in comphilcolf", 1, m, t, t, lamlcs);
+  d.dumpMatrix("thetalc in comphilcolf", 1, m, 1, 1, thetalc);
+  return trace.ok();
 }
 
 namespace {
@@ -102,12 +100,12 @@ using OlfWork = RiccatiWork;  // the same running values as the QLP recursion
 int olfStep(int n, int m, int nt, int t, const Mat& a, const Mat& b, const Mat& cs, const Mat& f,
             const Mat& lamlcs, const Mat& lams, const Mat& wlcs, const Mat& ws,
             const UncertainParameters& par, OlfWork& w, const SolveTrace& trace) {
-  int ok = comphiolf(n, m, nt, par.np, t, a, b, f, w.k, lams, par.napar, par.nbpar, par.sitt, ws,
-                     w.phi, w.psi, w.theta, trace);
-  ok &= comphilcolf(n, m, nt, par.np, t, a, b, cs, w.k, lamlcs, par.napar, par.nbpar, par.ncpar,
-                    par.sitt, w.p, wlcs, w.philc, w.thetalc, trace);
+  comphiolf(n, m, nt, par.np, t, a, b, f, w.k, lams, par.napar, par.nbpar, par.sitt, ws, w.phi,
+            w.psi, w.theta, trace);
+  comphilcolf(n, m, nt, par.np, t, a, b, cs, w.k, lamlcs, par.napar, par.nbpar, par.ncpar, par.sitt,
+              w.p, wlcs, w.philc, w.thetalc, trace);
   riccatiUpdate(n, m, w.phi, w.psi, w.theta, w.philc, w.thetalc, w.thetainv, w.k, w.p, w.g, w.glc);
-  return ok;
+  return trace.ok();
 }
 
 }  // namespace
@@ -118,10 +116,9 @@ int olf(const SystemArrays& sys, const CriterionArrays& crit, UncertainParameter
   const int n = sys.n, m = sys.m, nt = sys.nt;
   OlfWork w(n, m);
   w.terminal(n, nt, crit.ws, crit.wlcs);
-  int ok = 1;
   if (trace.on(SolveTopic::KAndP)) {
-    ok &= trace.file().dumpMatrix("kj1", 1, n, 1, n, w.k);
-    ok &= trace.file().dumpMatrix("pj1", 1, n, 1, 1, w.p);
+    trace.file().dumpMatrix("kj1", 1, n, 1, n, w.k);
+    trace.file().dumpMatrix("pj1", 1, n, 1, 1, w.p);
   }
   for (int t = nt - 1; t >= 0; --t) {
     const bool perturb = caution.on == 1 && t == caution.period - 1;
@@ -131,27 +128,27 @@ int olf(const SystemArrays& sys, const CriterionArrays& crit, UncertainParameter
       saved = par.sitt(caution.row, caution.column);
       par.sitt(caution.row, caution.column) = caution.value;
     }
-    ok &= olfStep(n, m, nt, t, sys.a, sys.b, sys.cs, crit.f, crit.lamlcs, crit.lams, crit.wlcs,
-                  crit.ws, par, w, trace);
+    olfStep(n, m, nt, t, sys.a, sys.b, sys.cs, crit.f, crit.lamlcs, crit.lams, crit.wlcs, crit.ws,
+            par, w, trace);
     if (perturb) par.sitt(caution.row, caution.column) = saved;
     storeRule(n, m, t, w.g, w.glc, rule);
     if (trace.on(SolveTopic::KAndPIntermediate))
-      ok &= trace.file().dumpMatrix("thetainv in olf", 1, m, 1, m, w.thetainv);
+      trace.file().dumpMatrix("thetainv in olf", 1, m, 1, m, w.thetainv);
     if (trace.on(SolveTopic::KAndP)) {
-      ok &= trace.file().dumpMatrix("kj", 1, n, 1, n, w.k);
-      ok &= trace.file().dumpMatrix("pj", 1, n, 1, 1, w.p);
+      trace.file().dumpMatrix("kj", 1, n, 1, n, w.k);
+      trace.file().dumpMatrix("pj", 1, n, 1, 1, w.p);
     }
     if (trace.on(SolveTopic::GAndG)) {
-      ok &= trace.file().dumpMatrix("g", 1, m, 1, n, w.g);
-      ok &= trace.file().dumpMatrix("glc", 1, m, 1, 1, w.glc);
+      trace.file().dumpMatrix("g", 1, m, 1, n, w.g);
+      trace.file().dumpMatrix("glc", 1, m, 1, 1, w.glc);
     }
   }
   if (trace.on(SolveTopic::GAndG)) {
-    ok &= trace.file().dumpMatrix3("gs", 0, nt - 1, 1, m, 1, n, rule.gs);
-    ok &= trace.file().dumpMatrix("glcs", 1, m, 0, nt - 1, rule.glcs);
+    trace.file().dumpMatrix3("gs", 0, nt - 1, 1, m, 1, n, rule.gs);
+    trace.file().dumpMatrix("glcs", 1, m, 0, nt - 1, rule.glcs);
   }
-  ok &= pathsAndCriterion(sys, crit, rule, xs, us, criterion, trace);
-  return ok;
+  pathsAndCriterion(sys, crit, rule, xs, us, criterion, trace);
+  return trace.ok();
 }
 
 namespace {
@@ -161,27 +158,26 @@ int compKpgBody(int n, int m, int nt, int k, const Mat& a, const Mat& b, const M
                 const UncertainParameters& par, OlfWork& w, FeedbackRule* rule,
                 const SolveTrace& trace) {
   w.terminal(n, nt, ws, wlcs);
-  int ok = 1;
   if (trace.on(SolveTopic::KAndP)) {
-    ok &= trace.file().dumpMatrix("kj1 at top of CompKpg", 1, n, 1, n, w.k);
-    ok &= trace.file().dumpMatrix("pj1 at top of CompKpg", 1, n, 1, 1, w.p);
+    trace.file().dumpMatrix("kj1 at top of CompKpg", 1, n, 1, n, w.k);
+    trace.file().dumpMatrix("pj1 at top of CompKpg", 1, n, 1, 1, w.p);
   }
   const bool inner = trace.on(SolveTopic::KAndPIntermediate);
   for (int t = nt - 1; t >= k; --t) {
     if (inner) {
-      ok &= trace.file().writeHeading(" in CompKpg - backward loop");
-      ok &= trace.file().dumpInt("k = ", t);
+      trace.file().writeHeading(" in CompKpg - backward loop");
+      trace.file().dumpInt("k = ", t);
     }
-    ok &= olfStep(n, m, nt, t, a, b, cs, f, lamlcs, lams, wlcs, ws, par, w, trace);
+    olfStep(n, m, nt, t, a, b, cs, f, lamlcs, lams, wlcs, ws, par, w, trace);
     if (rule != nullptr) storeRule(n, m, t, w.g, w.glc, *rule);
     if (inner) {
-      ok &= trace.file().dumpMatrix("theta in CompKpg", 1, m, 1, m, w.theta);
-      ok &= trace.file().dumpMatrix("thetainv in CompKpg", 1, m, 1, m, w.thetainv);
-      ok &= trace.file().dumpMatrix("kj in CompKpg", 1, n, 1, n, w.k);
-      ok &= trace.file().dumpMatrix("pj in CompKpg", 1, n, 1, 1, w.p);
+      trace.file().dumpMatrix("theta in CompKpg", 1, m, 1, m, w.theta);
+      trace.file().dumpMatrix("thetainv in CompKpg", 1, m, 1, m, w.thetainv);
+      trace.file().dumpMatrix("kj in CompKpg", 1, n, 1, n, w.k);
+      trace.file().dumpMatrix("pj in CompKpg", 1, n, 1, 1, w.p);
     }
   }
-  return ok;
+  return trace.ok();
 }
 
 }  // namespace
@@ -190,21 +186,21 @@ int CompKpg(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat& 
             const Mat& lamlcs, const Mat& lams, const Mat& wlcs, const Mat& ws,
             const UncertainParameters& par, Mat& g, Mat& glc, const SolveTrace& trace) {
   OlfWork w(n, m);
-  int ok = compKpgBody(n, m, nt, k, a, b, cs, f, lamlcs, lams, wlcs, ws, par, w, nullptr, trace);
-  ok &= takeRule(n, m, w, g, glc, trace);
-  return ok;
+  compKpgBody(n, m, nt, k, a, b, cs, f, lamlcs, lams, wlcs, ws, par, w, nullptr, trace);
+  takeRule(n, m, w, g, glc, trace);
+  return trace.ok();
 }
 
 int CompKpgOlfForw(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat& cs,
                    const Mat& f, const Mat& lamlcs, const Mat& lams, const Mat& wlcs, const Mat& ws,
                    const UncertainParameters& par, FeedbackRule& rule, const SolveTrace& trace) {
   OlfWork w(n, m);
-  int ok = compKpgBody(n, m, nt, k, a, b, cs, f, lamlcs, lams, wlcs, ws, par, w, &rule, trace);
+  compKpgBody(n, m, nt, k, a, b, cs, f, lamlcs, lams, wlcs, ws, par, w, &rule, trace);
   if (trace.on(SolveTopic::GAndG)) {
-    ok &= trace.file().dumpMatrix3("gs in CompKpgOlfForw", k, nt - 1, 1, m, 1, n, rule.gs);
-    ok &= trace.file().dumpMatrix("glcs in CompKpgOlfForw", 1, m, k, nt - 1, rule.glcs);
+    trace.file().dumpMatrix3("gs in CompKpgOlfForw", k, nt - 1, 1, m, 1, n, rule.gs);
+    trace.file().dumpMatrix("glcs in CompKpgOlfForw", 1, m, k, nt - 1, rule.glcs);
   }
-  return ok;
+  return trace.ok();
 }
 
 VeldDefaults InVeldDefaultsForOlf(int n, int nt, int ny, int np, const SolveTrace& trace) {

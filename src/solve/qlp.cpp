@@ -172,30 +172,29 @@ int systemInput(const Model& model, const SolveTrace& trace, SystemArrays& sys) 
 
   if (!trace.on(SolveTopic::SystemInput)) return 1;
   DebugFile& f = trace.file();
-  int ok = 1;
-  ok &= f.dumpMatrix("a", 1, n, 1, n, sys.a);
-  ok &= f.dumpMatrix("b", 1, n, 1, m, sys.b);
-  ok &= f.dumpMatrix("capc", 1, n, 1, l, sys.capc);
+  f.dumpMatrix("a", 1, n, 1, n, sys.a);
+  f.dumpMatrix("b", 1, n, 1, m, sys.b);
+  f.dumpMatrix("capc", 1, n, 1, l, sys.capc);
   if (zVarying) {
-    ok &= f.dumpMatrix("zs", 1, l, 0, nt - 1, z);
+    f.dumpMatrix("zs", 1, l, 0, nt - 1, z);
   } else {
-    ok &= f.dumpMatrix("z", 1, l, 1, 1, z);
+    f.dumpMatrix("z", 1, l, 1, 1, z);
   }
   if (!pindyck) {
-    if (lead >= 1) ok &= f.dumpMatrix("d1", 1, n, 1, n, sys.d1);
-    if (lead >= 2) ok &= f.dumpMatrix("d2", 1, n, 1, n, sys.d2);
-    if (lead >= 3) ok &= f.dumpMatrix("d3", 1, n, 1, n, sys.d3);
+    if (lead >= 1) f.dumpMatrix("d1", 1, n, 1, n, sys.d1);
+    if (lead >= 2) f.dumpMatrix("d2", 1, n, 1, n, sys.d2);
+    if (lead >= 3) f.dumpMatrix("d3", 1, n, 1, n, sys.d3);
   } else {
-    ok &= f.dumpMatrix("a0", 1, n, 1, n, a0);
-    ok &= f.dumpMatrix("a1", 1, n, 1, n, a1);
-    ok &= f.dumpMatrix("b1", 1, n, 1, m, b1);
-    ok &= f.dumpMatrix("c1", 1, n, 1, l, c1);
-    if (lead >= 1) ok &= f.dumpMatrix("ddag1", 1, n, 1, n, ddag[0]);
-    if (lead >= 2) ok &= f.dumpMatrix("ddag2", 1, n, 1, n, ddag[1]);
-    if (lead >= 3) ok &= f.dumpMatrix("ddag3", 1, n, 1, n, ddag[2]);
+    f.dumpMatrix("a0", 1, n, 1, n, a0);
+    f.dumpMatrix("a1", 1, n, 1, n, a1);
+    f.dumpMatrix("b1", 1, n, 1, m, b1);
+    f.dumpMatrix("c1", 1, n, 1, l, c1);
+    if (lead >= 1) f.dumpMatrix("ddag1", 1, n, 1, n, ddag[0]);
+    if (lead >= 2) f.dumpMatrix("ddag2", 1, n, 1, n, ddag[1]);
+    if (lead >= 3) f.dumpMatrix("ddag3", 1, n, 1, n, ddag[2]);
   }
-  ok &= f.dumpMatrix("cs", 1, n, 0, nt - 1, sys.cs);
-  return ok;
+  f.dumpMatrix("cs", 1, n, 0, nt - 1, sys.cs);
+  return trace.ok();
 }
 
 int criterionInput(const Model& model, const SolveTrace& trace, CriterionArrays& crit) {
@@ -248,30 +247,29 @@ int criterionInput(const Model& model, const SolveTrace& trace, CriterionArrays&
       for (int j = 1; j <= m; ++j) crit.lamlcs(j, t) = -crit.lams(j, t) * crit.utws(j, t);
   }
 
-  int ok = 1;
   if (trace.on(SolveTopic::CriterionInput)) {
     DebugFile& f = trace.file();
-    if (fl.wForm != opt::kWTimeVarying) ok &= f.dumpMatrix("w", 1, n, 1, 1, w);
-    if (fl.wForm == opt::kWTerminalDifferent) ok &= f.dumpMatrix("wn", 1, n, 1, 1, wn);
-    if (fl.lambdaForm != opt::kLambdaTimeVarying) ok &= f.dumpMatrix("lam", 1, m, 1, 1, lam);
-    ok &= f.dumpMatrix("ws", 1, n, 0, nt, crit.ws);
-    ok &= f.dumpMatrix("lams", 1, m, 0, nt - 1, crit.lams);
+    if (fl.wForm != opt::kWTimeVarying) f.dumpMatrix("w", 1, n, 1, 1, w);
+    if (fl.wForm == opt::kWTerminalDifferent) f.dumpMatrix("wn", 1, n, 1, 1, wn);
+    if (fl.lambdaForm != opt::kLambdaTimeVarying) f.dumpMatrix("lam", 1, m, 1, 1, lam);
+    f.dumpMatrix("ws", 1, n, 0, nt, crit.ws);
+    f.dumpMatrix("lams", 1, m, 0, nt - 1, crit.lams);
   }
-  if (trace.on(SolveTopic::SystemInput)) ok &= trace.file().dumpMatrix("x0", 1, n, 1, 1, crit.x0);
+  if (trace.on(SolveTopic::SystemInput)) trace.file().dumpMatrix("x0", 1, n, 1, 1, crit.x0);
   if (trace.on(SolveTopic::CriterionInput)) {
     DebugFile& f = trace.file();
-    if (fl.xdesForm == opt::kXdesConstant) ok &= f.dumpMatrix("xtw", 1, n, 1, 1, xtw);
-    if (fl.udesForm != opt::kUdesTimeVarying) ok &= f.dumpMatrix("utw", 1, m, 1, 1, utw);
-    ok &= f.dumpMatrix("xtws", 1, n, 0, nt, crit.xtws);
-    ok &= f.dumpMatrix("utws", 1, m, 0, nt - 1, crit.utws);
+    if (fl.xdesForm == opt::kXdesConstant) f.dumpMatrix("xtw", 1, n, 1, 1, xtw);
+    if (fl.udesForm != opt::kUdesTimeVarying) f.dumpMatrix("utw", 1, m, 1, 1, utw);
+    f.dumpMatrix("xtws", 1, n, 0, nt, crit.xtws);
+    f.dumpMatrix("utws", 1, m, 0, nt - 1, crit.utws);
   }
   if (trace.on(SolveTopic::TrackingToQuadratic)) {
     DebugFile& f = trace.file();
-    ok &= f.dumpMatrix("f-trnreg", 1, n, 1, m, crit.f);
-    ok &= f.dumpMatrix("wlcs", 1, n, 0, nt, crit.wlcs);
-    ok &= f.dumpMatrix("lamlcs", 1, m, 0, nt - 1, crit.lamlcs);
+    f.dumpMatrix("f-trnreg", 1, n, 1, m, crit.f);
+    f.dumpMatrix("wlcs", 1, n, 0, nt, crit.wlcs);
+    f.dumpMatrix("lamlcs", 1, m, 0, nt - 1, crit.lamlcs);
   }
-  return ok;
+  return trace.ok();
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -317,36 +315,35 @@ int takeRule(int n, int m, const RiccatiWork& w, Mat& g, Mat& glc, const SolveTr
   mmov(m, n, w.g, g);
   mmov(m, 1, w.glc, glc);
   if (!trace.on(SolveTopic::GAndG)) return 1;
-  int ok = trace.file().dumpMatrix("g", 1, m, 1, n, g);
-  ok &= trace.file().dumpMatrix("glc", 1, m, 1, 1, glc);
-  return ok;
+  trace.file().dumpMatrix("g", 1, m, 1, n, g);
+  trace.file().dumpMatrix("glc", 1, m, 1, 1, glc);
+  return trace.ok();
 }
 
 int pathsAndCriterion(const SystemArrays& sys, const CriterionArrays& crit,
                       const FeedbackRule& rule, Mat& xs, Mat& us, double& criterion,
                       const SolveTrace& trace) {
   const int n = sys.n, m = sys.m, nt = sys.nt;
-  int ok = forwardPass(sys, crit.x0, rule, xs, us, trace);
+  forwardPass(sys, crit.x0, rule, xs, us, trace);
   if (trace.on(SolveTopic::XAndU)) {
-    ok &= trace.file().dumpMatrix("xs", 1, n, 0, xs.chi(), xs);
-    ok &= trace.file().dumpMatrix("us", 1, m, 0, nt - 1, us);
+    trace.file().dumpMatrix("xs", 1, n, 0, xs.chi(), xs);
+    trace.file().dumpMatrix("us", 1, m, 0, nt - 1, us);
   }
   criterion = sumc(crit.tracking, n, m, nt, crit.ws, crit.wlcs, crit.f, crit.lams, crit.lamlcs,
                    crit.xtws, crit.utws, xs, us, trace);
-  if (trace.on(SolveTopic::CriterionValue)) ok &= trace.file().dumpScalar("criterion", criterion);
-  return ok;
+  if (trace.on(SolveTopic::CriterionValue)) trace.file().dumpScalar("criterion", criterion);
+  return trace.ok();
 }
 
 int comphi(int n, int m, int nt, int t, const Mat& a, const Mat& b, const Mat& f, const Mat& k,
            const Mat& lams, const Mat& ws, Mat& phi, Mat& psi, Mat& theta, const SolveTrace& trace,
            RiccatiScratch* scratch) {
   const bool traced = trace.on(SolveTopic::PhiThetaPsi);
-  int ok = 1;
   if (traced) {
     DebugFile& d = trace.file();
-    ok &= d.dumpMatrix("a in comphi", 1, n, 1, n, a);
-    ok &= d.dumpMatrix("kj1 in comphi", 1, n, 1, n, k);
-    ok &= d.dumpMatrix("ws in comphi", 1, n, 0, nt, ws);
+    d.dumpMatrix("a in comphi", 1, n, 1, n, a);
+    d.dumpMatrix("kj1 in comphi", 1, n, 1, n, k);
+    d.dumpMatrix("ws in comphi", 1, n, 0, nt, ws);
   }
   if (scratch != nullptr) {
     mmul31tv(n, n, t, a, k, ws, phi, trace.matrixTrace(SolveTopic::PhiThetaPsi), scratch->quadA);
@@ -359,14 +356,14 @@ int comphi(int n, int m, int nt, int t, const Mat& a, const Mat& b, const Mat& f
   }
   if (traced) {
     DebugFile& d = trace.file();
-    ok &= d.dumpMatrix("phi in comphi", 1, n, 1, n, phi);
-    ok &= d.dumpMatrix("b in comphi", 1, n, 1, m, b);
-    ok &= d.dumpMatrix("lams in comphi", 1, m, 0, nt - 1, lams);
-    ok &= d.dumpMatrix("theta in comphi", 1, m, 1, m, theta);
-    ok &= d.dumpMatrix("f in comphi", 1, n, 1, m, f);
-    ok &= d.dumpMatrix("psi in comphi", 1, n, 1, m, psi);
+    d.dumpMatrix("phi in comphi", 1, n, 1, n, phi);
+    d.dumpMatrix("b in comphi", 1, n, 1, m, b);
+    d.dumpMatrix("lams in comphi", 1, m, 0, nt - 1, lams);
+    d.dumpMatrix("theta in comphi", 1, m, 1, m, theta);
+    d.dumpMatrix("f in comphi", 1, n, 1, m, f);
+    d.dumpMatrix("psi in comphi", 1, n, 1, m, psi);
   }
-  return ok;
+  return trace.ok();
 }
 
 void comphilc(int n, int m, int t, const Mat& a, const Mat& b, const Mat& cs, const Mat& k,
@@ -432,16 +429,15 @@ int backward(int n, int m, int nt, int last, const Mat& a, const Mat& b, const M
              const Mat& f, const Mat& lamlcs, const Mat& lams, const Mat& wlcs, const Mat& ws,
              RiccatiWork& w, const SolveTrace& trace, AtStep atStep) {
   w.terminal(n, nt, ws, wlcs);
-  int ok = 1;
   for (int t = nt - 1; t >= last; --t) {
-    ok &= atStep.before(t);
-    ok &= comphi(n, m, nt, t, a, b, f, w.k, lams, ws, w.phi, w.psi, w.theta, trace, &w.scratch);
+    atStep.before(t);
+    comphi(n, m, nt, t, a, b, f, w.k, lams, ws, w.phi, w.psi, w.theta, trace, &w.scratch);
     comphilc(n, m, t, a, b, cs, w.k, w.p, wlcs, lamlcs, w.philc, w.thetalc, &w.scratch);
     riccatiUpdate(n, m, w.phi, w.psi, w.theta, w.philc, w.thetalc, w.thetainv, w.k, w.p, w.g, w.glc,
                   &w.scratch);
-    ok &= atStep.after(t);
+    atStep.after(t);
   }
-  return ok;
+  return trace.ok();
 }
 
 }  // namespace
@@ -450,11 +446,10 @@ int riccati(const SystemArrays& sys, const CriterionArrays& crit, FeedbackRule& 
             const SolveTrace& trace) {
   const int n = sys.n, m = sys.m, nt = sys.nt;
   RiccatiWork w(n, m);
-  int ok = 1;
   if (trace.on(SolveTopic::KAndP)) {
     w.terminal(n, nt, crit.ws, crit.wlcs);
-    ok &= trace.file().dumpMatrix("kj1", 1, n, 1, n, w.k);
-    ok &= trace.file().dumpMatrix("pj1", 1, n, 1, 1, w.p);
+    trace.file().dumpMatrix("kj1", 1, n, 1, n, w.k);
+    trace.file().dumpMatrix("pj1", 1, n, 1, 1, w.p);
   }
   struct Steps {
     int n, m;
@@ -464,21 +459,20 @@ int riccati(const SystemArrays& sys, const CriterionArrays& crit, FeedbackRule& 
     int before(int) { return 1; }
     int after(int t) {
       storeRule(n, m, t, w.g, w.glc, rule);
-      int ok = 1;
       if (trace.on(SolveTopic::KAndP)) {
-        ok &= trace.file().dumpMatrix("kj", 1, n, 1, n, w.k);
-        ok &= trace.file().dumpMatrix("pj", 1, n, 1, 1, w.p);
+        trace.file().dumpMatrix("kj", 1, n, 1, n, w.k);
+        trace.file().dumpMatrix("pj", 1, n, 1, 1, w.p);
       }
       if (trace.on(SolveTopic::GAndG)) {
-        ok &= trace.file().dumpMatrix("g", 1, m, 1, n, w.g);
-        ok &= trace.file().dumpMatrix("glc", 1, m, 1, 1, w.glc);
+        trace.file().dumpMatrix("g", 1, m, 1, n, w.g);
+        trace.file().dumpMatrix("glc", 1, m, 1, 1, w.glc);
       }
-      return ok;
+      return trace.ok();
     }
   } steps{n, m, w, rule, trace};
-  ok &= backward(n, m, nt, 0, sys.a, sys.b, sys.cs, crit.f, crit.lamlcs, crit.lams, crit.wlcs,
-                 crit.ws, w, trace, steps);
-  return ok;
+  backward(n, m, nt, 0, sys.a, sys.b, sys.cs, crit.f, crit.lamlcs, crit.lams, crit.wlcs, crit.ws, w,
+           trace, steps);
+  return trace.ok();
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -495,12 +489,12 @@ int compu(int n, int m, int nt, int t, const FeedbackRule& rule, const Mat& x, M
   if (!trace.on(SolveTopic::XAndUIntermediate)) return 1;
   DebugFile& f = trace.file();
   const Mat gk = feedbackAt(rule, t, m, n);
-  int ok = f.dumpInt("   k = ", t);
-  ok &= f.dumpMatrix("xk in compu", 1, n, 1, 1, x);
-  ok &= f.dumpMatrix("gk in compu", 1, m, 1, n, gk);
-  ok &= f.dumpMatrix("glck in compu", 1, m, t, t, rule.glcs);
-  ok &= f.dumpMatrix("uk in compu", 1, m, 1, 1, u);
-  return ok;
+  f.dumpInt("   k = ", t);
+  f.dumpMatrix("xk in compu", 1, n, 1, 1, x);
+  f.dumpMatrix("gk in compu", 1, m, 1, n, gk);
+  f.dumpMatrix("glck in compu", 1, m, t, t, rule.glcs);
+  f.dumpMatrix("uk in compu", 1, m, 1, 1, u);
+  return trace.ok();
 }
 
 int compx(int n, int m, int nt, int t, const Mat& a, const Mat& b, const Mat& cs, const Mat& x,
@@ -515,18 +509,17 @@ int compx(int n, int m, int nt, int t, const Mat& a, const Mat& b, const Mat& cs
   madd(n, 1, ax, buc, xnext);
   if (!trace.on(SolveTopic::XAndUIntermediate)) return 1;
   DebugFile& f = trace.file();
-  int ok = 1;
-  ok &= f.dumpMatrix("a in compx", 1, n, 1, n, a);
-  ok &= f.dumpMatrix("b in compx", 1, n, 1, m, b);
-  ok &= f.dumpMatrix("cs in compx", 1, n, 0, nt - 1, cs);
-  ok &= f.dumpMatrix("xk in compx", 1, n, 1, 1, x);
-  ok &= f.dumpMatrix("uk in compx", 1, m, 1, 1, u);
-  ok &= f.dumpMatrix("ax", 1, n, 1, 1, ax);
-  ok &= f.dumpMatrix("bu", 1, n, 1, 1, bu);
-  ok &= f.dumpMatrix("ck", 1, n, 1, 1, ck);
-  ok &= f.dumpMatrix("buc", 1, n, 1, 1, buc);
-  ok &= f.dumpMatrix("xk1", 1, n, 1, 1, xnext);
-  return ok;
+  f.dumpMatrix("a in compx", 1, n, 1, n, a);
+  f.dumpMatrix("b in compx", 1, n, 1, m, b);
+  f.dumpMatrix("cs in compx", 1, n, 0, nt - 1, cs);
+  f.dumpMatrix("xk in compx", 1, n, 1, 1, x);
+  f.dumpMatrix("uk in compx", 1, m, 1, 1, u);
+  f.dumpMatrix("ax", 1, n, 1, 1, ax);
+  f.dumpMatrix("bu", 1, n, 1, 1, bu);
+  f.dumpMatrix("ck", 1, n, 1, 1, ck);
+  f.dumpMatrix("buc", 1, n, 1, 1, buc);
+  f.dumpMatrix("xk1", 1, n, 1, 1, xnext);
+  return trace.ok();
 }
 
 int compuhcfr(int n, int m, int nt, const Mat& g, const Mat& glc, const Mat& x, Mat& u,
@@ -539,12 +532,11 @@ int compuhcfr(int n, int m, int nt, const Mat& g, const Mat& glc, const Mat& x, 
   }
   if (!trace.on(SolveTopic::XAndUIntermediate)) return 1;
   DebugFile& f = trace.file();
-  int ok = 1;
-  ok &= f.dumpMatrix("xk in compuhcfr", 1, n, 1, 1, x);
-  ok &= f.dumpMatrix("g in compuhcfr", 1, m, 1, n, g);
-  ok &= f.dumpMatrix("glc in compuhcfr", 1, m, 1, 1, glc);
-  ok &= f.dumpMatrix("uk in compuhcfr", 1, m, 1, 1, u);
-  return ok;
+  f.dumpMatrix("xk in compuhcfr", 1, n, 1, 1, x);
+  f.dumpMatrix("g in compuhcfr", 1, m, 1, n, g);
+  f.dumpMatrix("glc in compuhcfr", 1, m, 1, 1, glc);
+  f.dumpMatrix("uk in compuhcfr", 1, m, 1, 1, u);
+  return trace.ok();
 }
 
 int forwardPass(const SystemArrays& sys, const Mat& x0, const FeedbackRule& rule, Mat& xs, Mat& us,
@@ -555,15 +547,14 @@ int forwardPass(const SystemArrays& sys, const Mat& x0, const FeedbackRule& rule
   Mat xnext = mat2(1, n, 1, 1);
   mmov(n, 1, x0, x);
   vcolset(n, 0, x0, xs);
-  int ok = 1;
   for (int t = 0; t <= nt - 1; ++t) {
-    ok &= compu(n, m, nt, t, rule, x, u, trace);
-    ok &= compx(n, m, nt, t, sys.a, sys.b, sys.cs, x, u, xnext, trace);
+    compu(n, m, nt, t, rule, x, u, trace);
+    compx(n, m, nt, t, sys.a, sys.b, sys.cs, x, u, xnext, trace);
     vcolset(n, t + 1, xnext, xs);
     vcolset(m, t, u, us);
     mmov(n, 1, xnext, x);
   }
-  return ok;
+  return trace.ok();
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -653,33 +644,31 @@ struct CeSteps {
   FeedbackRule* rule;  // the forward-variable form keeps every period's rule
   int before(int t) {
     if (!trace.on(SolveTopic::KAndPIntermediate)) return 1;
-    int ok = trace.file().writeHeading(" in CompKpgCe - backward loop");
-    ok &= trace.file().dumpInt("k = ", t);
-    return ok;
+    trace.file().writeHeading(" in CompKpgCe - backward loop");
+    trace.file().dumpInt("k = ", t);
+    return trace.ok();
   }
   int after(int t) {
     if (rule != nullptr) storeRule(n, m, t, w.g, w.glc, *rule);
     if (!trace.on(SolveTopic::KAndPIntermediate)) return 1;
-    int ok = 1;
-    ok &= trace.file().dumpMatrix("thetainv in CompKpgCe", 1, m, 1, m, w.thetainv);
-    ok &= trace.file().dumpMatrix("kj in CompKpgCe", 1, n, 1, n, w.k);
-    ok &= trace.file().dumpMatrix("pj in CompKpgCe", 1, n, 1, 1, w.p);
-    return ok;
+    trace.file().dumpMatrix("thetainv in CompKpgCe", 1, m, 1, m, w.thetainv);
+    trace.file().dumpMatrix("kj in CompKpgCe", 1, n, 1, n, w.k);
+    trace.file().dumpMatrix("pj in CompKpgCe", 1, n, 1, 1, w.p);
+    return trace.ok();
   }
 };
 
 int compKpgCeBody(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat& cs,
                   const Mat& f, const Mat& lamlcs, const Mat& lams, const Mat& wlcs, const Mat& ws,
                   RiccatiWork& w, FeedbackRule* rule, const SolveTrace& trace) {
-  int ok = 1;
   if (trace.on(SolveTopic::KAndP)) {
     w.terminal(n, nt, ws, wlcs);
-    ok &= trace.file().dumpMatrix("kj1 at top of CompKpgCe", 1, n, 1, n, w.k);
-    ok &= trace.file().dumpMatrix("pj1 at top of CompKpgCe", 1, n, 1, 1, w.p);
+    trace.file().dumpMatrix("kj1 at top of CompKpgCe", 1, n, 1, n, w.k);
+    trace.file().dumpMatrix("pj1 at top of CompKpgCe", 1, n, 1, 1, w.p);
   }
   CeSteps steps{n, m, w, trace, rule};
-  ok &= backward(n, m, nt, k, a, b, cs, f, lamlcs, lams, wlcs, ws, w, trace, steps);
-  return ok;
+  backward(n, m, nt, k, a, b, cs, f, lamlcs, lams, wlcs, ws, w, trace, steps);
+  return trace.ok();
 }
 
 }  // namespace
@@ -688,19 +677,18 @@ int CompKpgCe(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat
               const Mat& lamlcs, const Mat& lams, const Mat& wlcs, const Mat& ws, Mat& g, Mat& glc,
               const SolveTrace& trace) {
   RiccatiWork w(n, m);
-  int ok = compKpgCeBody(n, m, nt, k, a, b, cs, f, lamlcs, lams, wlcs, ws, w, nullptr, trace);
-  ok &= takeRule(n, m, w, g, glc, trace);
-  return ok;
+  compKpgCeBody(n, m, nt, k, a, b, cs, f, lamlcs, lams, wlcs, ws, w, nullptr, trace);
+  takeRule(n, m, w, g, glc, trace);
+  return trace.ok();
 }
 
 int CompKpgCeForw(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat& cs,
                   const Mat& f, const Mat& lamlcs, const Mat& lams, const Mat& wlcs, const Mat& ws,
                   FeedbackRule& rule, const SolveTrace& trace) {
   RiccatiWork w(n, m);
-  int ok = compKpgCeBody(n, m, nt, k, a, b, cs, f, lamlcs, lams, wlcs, ws, w, &rule, trace);
-  if (trace.on(SolveTopic::GAndG))
-    ok &= trace.file().dumpMatrix("glcs", 1, m, k, nt - 1, rule.glcs);
-  return ok;
+  compKpgCeBody(n, m, nt, k, a, b, cs, f, lamlcs, lams, wlcs, ws, w, &rule, trace);
+  if (trace.on(SolveTopic::GAndG)) trace.file().dumpMatrix("glcs", 1, m, k, nt - 1, rule.glcs);
+  return trace.ok();
 }
 
 }  // namespace ovaro

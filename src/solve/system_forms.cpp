@@ -33,23 +33,22 @@ int iatoi(int n, int m, int l, int maxLead, const Mat& a0, const Mat& a1, const 
 
   if (!trace.on(SolveTopic::PindyckToRegular)) return 1;
   DebugFile& f = trace.file();
-  int ok = 1;
-  ok &= f.dumpMatrix("a0 in iatoi", 1, n, 1, n, a0);
-  ok &= f.dumpMatrix("a1 in iatoi", 1, n, 1, n, a1);
-  ok &= f.dumpMatrix("b1 in iatoi", 1, n, 1, m, b1);
-  ok &= f.dumpMatrix("c1 in iatoi", 1, n, 1, l, c1);
-  if (maxLead >= 1) ok &= f.dumpMatrix("ddag1 in iatoi", 1, n, 1, n, ddag1);
-  if (maxLead >= 2) ok &= f.dumpMatrix("ddag2 in iatoi", 1, n, 1, n, ddag2);
-  if (maxLead >= 3) ok &= f.dumpMatrix("ddag3 in iatoi", 1, n, 1, n, ddag3);
-  ok &= f.dumpMatrix("ia0 in iatoi", 1, n, 1, n, ia0);
-  ok &= f.dumpMatrix("ia0inv in iatoi", 1, n, 1, n, ia0inv);
-  ok &= f.dumpMatrix("a in iatoi", 1, n, 1, n, a);
-  ok &= f.dumpMatrix("b in iatoi", 1, n, 1, m, b);
-  ok &= f.dumpMatrix("capc in iatoi", 1, n, 1, l, capc);
-  ok &= f.dumpMatrix("d1 in iatoi", 1, n, 1, n, d1);
-  ok &= f.dumpMatrix("d2 in iatoi", 1, n, 1, n, d2);
-  ok &= f.dumpMatrix("d3 in iatoi", 1, n, 1, n, d3);
-  return ok;
+  f.dumpMatrix("a0 in iatoi", 1, n, 1, n, a0);
+  f.dumpMatrix("a1 in iatoi", 1, n, 1, n, a1);
+  f.dumpMatrix("b1 in iatoi", 1, n, 1, m, b1);
+  f.dumpMatrix("c1 in iatoi", 1, n, 1, l, c1);
+  if (maxLead >= 1) f.dumpMatrix("ddag1 in iatoi", 1, n, 1, n, ddag1);
+  if (maxLead >= 2) f.dumpMatrix("ddag2 in iatoi", 1, n, 1, n, ddag2);
+  if (maxLead >= 3) f.dumpMatrix("ddag3 in iatoi", 1, n, 1, n, ddag3);
+  f.dumpMatrix("ia0 in iatoi", 1, n, 1, n, ia0);
+  f.dumpMatrix("ia0inv in iatoi", 1, n, 1, n, ia0inv);
+  f.dumpMatrix("a in iatoi", 1, n, 1, n, a);
+  f.dumpMatrix("b in iatoi", 1, n, 1, m, b);
+  f.dumpMatrix("capc in iatoi", 1, n, 1, l, capc);
+  f.dumpMatrix("d1 in iatoi", 1, n, 1, n, d1);
+  f.dumpMatrix("d2 in iatoi", 1, n, 1, n, d2);
+  f.dumpMatrix("d3 in iatoi", 1, n, 1, n, d3);
+  return trace.ok();
 }
 
 void ithnCheck(int n, int m, int np, const IMat& nmap, const IMat& ithn, IMat& napar, IMat& nbpar,

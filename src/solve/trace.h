@@ -60,11 +60,14 @@ class SolveTrace {
       : file_(file), topics_(topics) {}
 
   // Whether dumps of this topic are to be written. A file closed by a failed write still counts
-  // as traced: its dumps return 0, which is how a routine learns of the failure.
+  // as traced: its dumps write nothing, and ok() tells the routine that the trace broke.
   bool on(SolveTopic t) const { return file_ != nullptr && topics_.test(index(t)); }
   // Whether the debug file is there at all (headings are written whatever the switches).
   bool active() const { return file_ != nullptr; }
   DebugFile& file() const { return *file_; }
+  // 1 unless a write to the debug file has failed since it was opened: what a traced routine
+  // returns, whatever it dumped on the way.
+  int ok() const { return file_ != nullptr && file_->failed() ? 0 : 1; }
   // The file as the operand trace of a matrix product, when the topic is on.
   MatrixTrace* matrixTrace(SolveTopic t) const { return on(t) ? file_ : nullptr; }
 

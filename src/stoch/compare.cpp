@@ -170,7 +170,6 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
   if (method == kCeWo) routine += " for CeWo";
   if (method == kOlIn) routine += " for OlfIn";
   const std::string in = " in " + routine;
-  int ok = 1;
 
   Mat sixxkk = mat2(1, n, 1, n), sitxkk = mat2(1, np, 1, n), sittkk = mat2(1, np, 1, np);
   mmov(n, n, s.sixx0, sixxkk);
@@ -181,11 +180,11 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
   mmov(np, 1, terms.thetarandom, thkk);
   if (trace.on(SolveTopic::FilterCovariancesFinal) || trace.on(SolveTopic::FilterMeansFinal)) {
     DebugFile& f = trace.file();
-    ok &= f.dumpMatrix("initial sixxkk" + in, 1, n, 1, n, sixxkk);
-    ok &= f.dumpMatrix("initial sitxkk" + in, 1, np, 1, n, sitxkk);
-    ok &= f.dumpMatrix("initial sittkk" + in, 1, np, 1, np, sittkk);
-    ok &= f.dumpMatrix("initial xhkk" + in, 1, n, 1, 1, xhkk);
-    ok &= f.dumpMatrix("initial thkk" + in, 1, np, 1, 1, thkk);
+    f.dumpMatrix("initial sixxkk" + in, 1, n, 1, n, sixxkk);
+    f.dumpMatrix("initial sitxkk" + in, 1, np, 1, n, sitxkk);
+    f.dumpMatrix("initial sittkk" + in, 1, np, 1, np, sittkk);
+    f.dumpMatrix("initial xhkk" + in, 1, n, 1, 1, xhkk);
+    f.dumpMatrix("initial thkk" + in, 1, np, 1, 1, thkk);
   }
 
   out.xs = mat2(1, n, 0, nt);
@@ -223,7 +222,7 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
 
   for (int k = 0; k <= nt - 1; ++k) {
     if (trace.on(SolveTopic::RunHeadings))
-      ok &= trace.file().write(
+      trace.file().write(
           formatted("\r\n\r\n%s%d", (" " + routine + " - major time loop   k = ").c_str(), k));
     MapThetaToAbc(n, m, nt, np, s.ithn, thkk, a, b, cs, prompter, trace);
     const Mat xhat = xhkk;
@@ -233,49 +232,49 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
     } else if (!forwardModel) {
       if (olfLike) {
         mmov(np, np, sittkk, par.sitt);
-        ok &= CompKpg(n, m, nt, k, a, b, cs, s.crit.f, s.crit.lamlcs, s.crit.lams, s.crit.wlcs,
-                      s.crit.ws, par, g, glc, trace);
+        CompKpg(n, m, nt, k, a, b, cs, s.crit.f, s.crit.lamlcs, s.crit.lams, s.crit.wlcs, s.crit.ws,
+                par, g, glc, trace);
       } else {
-        ok &= CompKpgCe(n, m, nt, k, a, b, cs, s.crit.f, s.crit.lamlcs, s.crit.lams, s.crit.wlcs,
-                        s.crit.ws, g, glc, trace);
+        CompKpgCe(n, m, nt, k, a, b, cs, s.crit.f, s.crit.lamlcs, s.crit.lams, s.crit.wlcs,
+                  s.crit.ws, g, glc, trace);
       }
     }
     if (forwardModel) {
       // The forward-variable iteration from this period on. HCFR re-solves nothing: its expected
       // path is the one its own fixed rule projects, iterated until it reproduces itself.
-      ok &= InitializeXsiterUsiter(k, n, m, nt, s.sys.maxLead, s.crit.xtws, out.us, xsiterStore,
-                                   fctx.notConverged, xsiter, usiter, trace);
+      InitializeXsiterUsiter(k, n, m, nt, s.sys.maxLead, s.crit.xtws, out.us, xsiterStore,
+                             fctx.notConverged, xsiter, usiter, trace);
       fctx.notConverged = false;
       mmovsub(1, m, 0, nt - 1, usiter, usOld);
       if (olfLike) mmov(np, np, sittkk, par.sitt);
       const FeedbackRule& projected = hcfr ? s.hcfrRule : rule;
       for (int iter = 1; iter <= fctx.iterlim; ++iter) {
         if (trace.on(SolveTopic::RunHeadings))
-          ok &= trace.file().write(
+          trace.file().write(
               formatted("\r\n\r\n%s%d",
                         (" " + routine + " - forward variable loop   iter = ").c_str(), iter));
         if (!hcfr) {
           mmovsub(1, n, 0, nt - 1, cs, csAdjusted);
-          ok &= forward(n, m, nt, k, 1, s.sys.maxLead, csAdjusted, s.sys.d1, s.sys.d2, s.sys.d3,
-                        xsiter, trace);
+          forward(n, m, nt, k, 1, s.sys.maxLead, csAdjusted, s.sys.d1, s.sys.d2, s.sys.d3, xsiter,
+                  trace);
           if (olfLike) {
-            ok &= CompKpgOlfForw(n, m, nt, k, a, b, csAdjusted, s.crit.f, s.crit.lamlcs,
-                                 s.crit.lams, s.crit.wlcs, s.crit.ws, par, rule, trace);
+            CompKpgOlfForw(n, m, nt, k, a, b, csAdjusted, s.crit.f, s.crit.lamlcs, s.crit.lams,
+                           s.crit.wlcs, s.crit.ws, par, rule, trace);
           } else {
-            ok &= CompKpgCeForw(n, m, nt, k, a, b, csAdjusted, s.crit.f, s.crit.lamlcs, s.crit.lams,
-                                s.crit.wlcs, s.crit.ws, rule, trace);
+            CompKpgCeForw(n, m, nt, k, a, b, csAdjusted, s.crit.f, s.crit.lamlcs, s.crit.lams,
+                          s.crit.wlcs, s.crit.ws, rule, trace);
           }
           if (trace.on(SolveTopic::GAndG)) {
-            ok &= trace.file().dumpMatrix3("gs in forward variable iteration of " + routine, k,
-                                           nt - 1, 1, m, 1, n, rule.gs);
-            ok &= trace.file().dumpMatrix("glcs in forward variable itertion of " + routine, 1, m,
-                                          k, nt - 1, rule.glcs);
+            trace.file().dumpMatrix3("gs in forward variable iteration of " + routine, k, nt - 1, 1,
+                                     m, 1, n, rule.gs);
+            trace.file().dumpMatrix("glcs in forward variable itertion of " + routine, 1, m, k,
+                                    nt - 1, rule.glcs);
           }
         }
-        ok &= ProjectionForwVar(iter, fctx.iterlim, k, n, m, nt, ny, a, b, cs, s.sys.d1, s.sys.d2,
-                                s.sys.d3, s.h, projected, xhat, xsiter, usiter, csUsed, trace);
+        ProjectionForwVar(iter, fctx.iterlim, k, n, m, nt, ny, a, b, cs, s.sys.d1, s.sys.d2,
+                          s.sys.d3, s.h, projected, xhat, xsiter, usiter, csUsed, trace);
         double eps = 0.0;
-        ok &= CheckConvergence(run, iter, k, m, nt, usiter, usOld, eps, fctx, trace);
+        CheckConvergence(run, iter, k, m, nt, usiter, usOld, eps, fctx, trace);
         if (iter >= 2 && eps <= fctx.tolerance) break;
       }
       if (fctx.notConverged) flags.forwardFailure = true;
@@ -299,8 +298,8 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
     pctx.hcfr = false;
     vcolset(n, k + 1, xk1, out.xs);
     vcolset(m, k, uk, out.us);
-    ok &= TrueParameterEvolution(pctx, k, n, m, nt, np, s.policy, s.ithn, out.us, uk, s.npolicy,
-                                 terms.etas, out.thetatrue, atrue, btrue, ctruetv, prompter, trace);
+    TrueParameterEvolution(pctx, k, n, m, nt, np, s.policy, s.ithn, out.us, uk, s.npolicy,
+                           terms.etas, out.thetatrue, atrue, btrue, ctruetv, prompter, trace);
     // The filter predicts with the economy's own equation: in a forward-looking model the
     // constant of the period carries the lead terms of the expected path the economy used.
     Mat ck = columnOf(n, k, cs);
@@ -319,8 +318,7 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
     if (method == kCeWo) mmov(np, 1, thkk, thk1k1);
     // OLIN knows the policy-to-parameter effect and adds it to the estimate.
     if (method == kOlIn)
-      ok &= CompPolicyParmEffect(pctx, k, np, m, nt, uk, out.us, s.npolicy, out.thetatrue, thk1k1,
-                                 trace);
+      CompPolicyParmEffect(pctx, k, np, m, nt, uk, out.us, s.npolicy, out.thetatrue, thk1k1, trace);
     mmov(n, 1, xhk1k1, xhkk);
     mmov(np, 1, thk1k1, thkk);
     mmov(n, n, sixxk1k1, sixxkk);
@@ -336,13 +334,13 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
                                          c.utws, out.xs, out.us, SolveTrace());
   if (trace.on(SolveTopic::StatesControlsFinal)) {
     DebugFile& f = trace.file();
-    ok &= f.dumpScalar("criterion" + in, out.criterion);
-    ok &= f.dumpMatrix("xs" + in, 1, n, 0, nt, out.xs);
-    ok &= f.dumpMatrix("us" + in, 1, m, 0, nt - 1, out.us);
+    f.dumpScalar("criterion" + in, out.criterion);
+    f.dumpMatrix("xs" + in, 1, n, 0, nt, out.xs);
+    f.dumpMatrix("us" + in, 1, m, 0, nt - 1, out.us);
   }
   if (trace.on(SolveTopic::EstimatedParametersFinal))
-    ok &= trace.file().dumpMatrix("thetas" + in, 1, np, 0, nt, out.thetas);
-  return ok;
+    trace.file().dumpMatrix("thetas" + in, 1, np, 0, nt, out.thetas);
+  return trace.ok();
 }
 
 // The per-method runs: HCFR by its fixed rule, CE and CEWO by the certainty-equivalence re-solve,
@@ -369,7 +367,6 @@ int runSelectedMethods(int run, const MethodSelection& selected, const CompareSe
                        const RandomTerms& terms, PeriodContext& pctx, RunFlags& flags,
                        Prompter& prompter, const SolveTrace& trace,
                        std::array<RunPaths, kMethodCount>& out) {
-  int ok = 1;
   for (int method = 0; method < kMethodCount; ++method) {
     const auto k = static_cast<std::size_t>(method);
     if (!selected[k]) continue;
@@ -377,18 +374,18 @@ int runSelectedMethods(int run, const MethodSelection& selected, const CompareSe
     pctx.method = kMethodNames[k];
     switch (method) {
       case kHcfr:
-        ok &= CompareHcfr(run, s, terms, pctx, flags, prompter, trace, out[k]);
+        CompareHcfr(run, s, terms, pctx, flags, prompter, trace, out[k]);
         break;
       case kCe:
       case kCeWo:
-        ok &= CompareCe(method == kCeWo, run, s, terms, pctx, flags, prompter, trace, out[k]);
+        CompareCe(method == kCeWo, run, s, terms, pctx, flags, prompter, trace, out[k]);
         break;
       default:
-        ok &= CompareOlf(method == kOlIn, run, s, terms, pctx, flags, prompter, trace, out[k]);
+        CompareOlf(method == kOlIn, run, s, terms, pctx, flags, prompter, trace, out[k]);
         break;
     }
   }
-  return ok;
+  return trace.ok();
 }
 
 // One run of a batch handed to the threads: its own copy of the terms, its own warning flags,
@@ -399,7 +396,6 @@ struct RunSlot {
   PeriodContext pctx;
   RunFlags flags;
   std::array<RunPaths, kMethodCount> paths;
-  int ok = 1;
 };
 
 bool cancelled(const CompareSettings& settings) {
@@ -420,19 +416,18 @@ int threadCount(const CompareSettings& settings) {
 // on this thread (the stream and its accumulators see exactly the serial sequence), the batch's
 // runs are solved on the threads, and then each run's messages, flags and paths are taken in run
 // order. Messages raised inside the runs are all plain notices, so holding them back changes no
-// answer.
+// answer. Nothing here writes a debug file, so nothing can fail.
 template <typename Record>
-int parallelRuns(int nmc, const CompareSettings& settings, const CompareSetup& s, bool generate,
-                 RandomState& random, RandomSources& src, RandomTerms& terms,
-                 RandomAccumulators& acc, PeriodContext& pctx, RunFlags& flags, Prompter& prompter,
-                 Progress& progress, Record& recordRun,
-                 std::array<RunPaths, kMethodCount>& lastRun) {
+void parallelRuns(int nmc, const CompareSettings& settings, const CompareSetup& s, bool generate,
+                  RandomState& random, RandomSources& src, RandomTerms& terms,
+                  RandomAccumulators& acc, PeriodContext& pctx, RunFlags& flags, Prompter& prompter,
+                  Progress& progress, Record& recordRun,
+                  std::array<RunPaths, kMethodCount>& lastRun) {
   const int threads = std::max(1, std::min(threadCount(settings), nmc));
   const int batch = std::max(1, std::min(nmc, 8 * threads));
   std::vector<RunSlot> slots(static_cast<std::size_t>(batch));
   const SolveTrace untraced;
-  int ok = 1;
-  for (int first = 1; first <= nmc && ok; first += batch) {
+  for (int first = 1; first <= nmc; first += batch) {
     const int count = std::min(batch, nmc - first + 1);
     for (int i = 0; i < count; ++i) {
       RunSlot& slot = slots[static_cast<std::size_t>(i)];
@@ -447,8 +442,8 @@ int parallelRuns(int nmc, const CompareSettings& settings, const CompareSetup& s
     auto work = [&] {
       for (int i = next++; i < count; i = next++) {
         RunSlot& slot = slots[static_cast<std::size_t>(i)];
-        slot.ok = runSelectedMethods(first + i, settings.methods, s, slot.terms, slot.pctx,
-                                     slot.flags, slot.runMessages, untraced, slot.paths);
+        runSelectedMethods(first + i, settings.methods, s, slot.terms, slot.pctx, slot.flags,
+                           slot.runMessages, untraced, slot.paths);
       }
     };
     {
@@ -456,20 +451,18 @@ int parallelRuns(int nmc, const CompareSettings& settings, const CompareSetup& s
       for (int t = 1; t < std::min(threads, count); ++t) pool.emplace_back(work);
       work();
     }
-    for (int i = 0; i < count && ok; ++i) {
-      if (cancelled(settings)) return ok;
+    for (int i = 0; i < count; ++i) {
+      if (cancelled(settings)) return;
       RunSlot& slot = slots[static_cast<std::size_t>(i)];
       progress.step();
       replay(slot.drawMessages, prompter);
       replay(slot.runMessages, prompter);
       pctx.divisionWarning = pctx.divisionWarning || slot.pctx.divisionWarning;
       flags.forwardFailure = flags.forwardFailure || slot.flags.forwardFailure;
-      ok &= slot.ok;
       recordRun(slot.paths);
       if (first + i == nmc) lastRun = std::move(slot.paths);
     }
   }
-  return ok;
 }
 
 constexpr const char* kQWarning =
@@ -649,7 +642,6 @@ CompareResult maincompare(const Model& model, const CompareSettings& settings, R
   PeriodContext pctx;
   RunFlags flags;
   DebugSwitches saved;
-  int ok = 1;
   // What one run adds to the results, in run order.
   auto recordRun = [&](const std::array<RunPaths, kMethodCount>& rps) {
     const int run = static_cast<int>(result.mcResults.size()) + 1;
@@ -668,10 +660,11 @@ CompareResult maincompare(const Model& model, const CompareSettings& settings, R
   // order as always, and what they return is added up in run order, so the result is the same to
   // the bit whatever the number of threads. A traced comparison stays on this thread, in order.
   if (file == nullptr) {
-    ok = parallelRuns(nmc, settings, s, generate, random, src, terms, acc, pctx, flags, prompter,
-                      progress, recordRun, result.lastRun);
+    parallelRuns(nmc, settings, s, generate, random, src, terms, acc, pctx, flags, prompter,
+                 progress, recordRun, result.lastRun);
   }
-  for (int run = 1; file != nullptr && run <= nmc && ok && !cancelled(settings); ++run) {
+  for (int run = 1; file != nullptr && run <= nmc && !file->failed() && !cancelled(settings);
+       ++run) {
     // Only the first run (or the chosen one) is printed in detail; the summary stays on.
     auto summaryOnly = [&] {
       switches.clear();
@@ -686,15 +679,15 @@ CompareResult maincompare(const Model& model, const CompareSettings& settings, R
       if (run == settings.debug.runNumber) {
         switches = saved;
         if (file != nullptr)
-          ok &= file->write(formatted("\r\n\r\n\r\n%s%d", " Print for Monte Carlo run i = ", run));
+          file->write(formatted("\r\n\r\n\r\n%s%d", " Print for Monte Carlo run i = ", run));
       }
       if (run == settings.debug.runNumber + 1) summaryOnly();
     }
     trace = monteCarloTrace(file, switches);
     progress.step();
     if (generate) GenerateRandomTerms(random, src, terms, acc, prompter, trace);
-    ok &= runSelectedMethods(run, settings.methods, s, terms, pctx, flags, prompter, trace,
-                             result.lastRun);
+    runSelectedMethods(run, settings.methods, s, terms, pctx, flags, prompter, trace,
+                       result.lastRun);
     recordRun(result.lastRun);
   }
   progress.finish();
@@ -709,7 +702,7 @@ CompareResult maincompare(const Model& model, const CompareSettings& settings, R
   result.utws = s.crit.utws;
   if (flags.forwardFailure) prompter.inform(kForwardFailure, "Warning!", Icon::Exclamation);
   if (pctx.divisionWarning) prompter.inform(kDivisionFailure, "Warning!", Icon::Exclamation);
-  if (!ok) {
+  if (file != nullptr && file->failed()) {
     result.status = 0;
     return result;
   }

@@ -211,10 +211,9 @@ int CompThetaTrueOnePeriod(PeriodContext& ctx, int np, int m, int nt, int k, int
                            Mat& thetatrue, const SolveTrace& trace) {
   const bool steps = trace.on(SolveTopic::TrueParametersIntermediate);
   const std::string in = " in CompThetaTrueOnePeriod";
-  int ok = 1;
   if (steps) {
-    ok &= dumpColumn(trace.file(), "uk" + in, m, uk);
-    ok &= trace.file().dumpMatrix("us" + in, 1, m, 0, nt - 1, us);
+    dumpColumn(trace.file(), "uk" + in, m, uk);
+    trace.file().dumpMatrix("us" + in, 1, m, 0, nt - 1, us);
   }
   const bool policy = policyToParam == 1;
   Mat ukpercent = mat2(1, m, 1, 1), plc = mat2(1, np, 1, 1), puc = mat2(1, np, 1, np);
@@ -238,20 +237,20 @@ int CompThetaTrueOnePeriod(PeriodContext& ctx, int np, int m, int nt, int k, int
   if (steps) {
     DebugFile& f = trace.file();
     if (policy) {
-      ok &= dumpColumn(f, "ukpercent" + in, m, ukpercent);
-      ok &= f.dumpMatrix("npolicyparm" + in, 1, np, 1, m, npolicy);
-      ok &= dumpColumn(f, "plc" + in, np, plc);
-      ok &= f.dumpMatrix("puc" + in, 1, np, 1, np, puc);
+      dumpColumn(f, "ukpercent" + in, m, ukpercent);
+      f.dumpMatrix("npolicyparm" + in, 1, np, 1, m, npolicy);
+      dumpColumn(f, "plc" + in, np, plc);
+      f.dumpMatrix("puc" + in, 1, np, 1, np, puc);
     }
-    ok &= dumpColumn(f, "eta" + in, np, eta);
-    ok &= dumpColumn(f, "thetak" + in, np, thetak);
-    if (policy) ok &= dumpColumn(f, "pucthetak" + in, np, pucthetak);
-    ok &= dumpColumn(f, "thetak1" + in, np, thetak1);
+    dumpColumn(f, "eta" + in, np, eta);
+    dumpColumn(f, "thetak" + in, np, thetak);
+    if (policy) dumpColumn(f, "pucthetak" + in, np, pucthetak);
+    dumpColumn(f, "thetak1" + in, np, thetak1);
   }
   if (trace.on(SolveTopic::TrueParametersFinal)) {
-    ok &= trace.file().dumpMatrix("thetatrue" + in, 1, np, 0, nt, thetatrue);
+    trace.file().dumpMatrix("thetatrue" + in, 1, np, 0, nt, thetatrue);
   }
-  return ok;
+  return trace.ok();
 }
 
 int TrueParameterEvolution(PeriodContext& ctx, int k, int n, int m, int nt, int np,
@@ -268,11 +267,10 @@ int TrueParameterEvolution(PeriodContext& ctx, int k, int n, int m, int nt, int 
   MapThetaToAbc(n, m, nt, np, ithn, theta, atrue, btrue, ctruetv, prompter, trace);
   if (!trace.on(SolveTopic::TrueParametersFinal)) return 1;
   DebugFile& f = trace.file();
-  int ok = 1;
-  ok &= f.dumpMatrix("atrue in TrueParameterEvolution", 1, n, 1, n, atrue);
-  ok &= f.dumpMatrix("btrue in TrueParameterEvolution", 1, n, 1, m, btrue);
-  ok &= f.dumpMatrix("ctruetv in TrueParameterEvolution", 1, n, 0, nt - 1, ctruetv);
-  return ok;
+  f.dumpMatrix("atrue in TrueParameterEvolution", 1, n, 1, n, atrue);
+  f.dumpMatrix("btrue in TrueParameterEvolution", 1, n, 1, m, btrue);
+  f.dumpMatrix("ctruetv in TrueParameterEvolution", 1, n, 0, nt - 1, ctruetv);
+  return trace.ok();
 }
 
 // thk1k1 = thk1k1 + puc thetatrue(:, k): OLIN knows how its controls move the parameters and
@@ -295,21 +293,20 @@ int CompPolicyParmEffect(PeriodContext& ctx, int k, int np, int m, int nt, const
   if (!steps && !finals) return 1;
   DebugFile& f = trace.file();
   const std::string in = " in CompPolicyParmEffect";
-  int ok = 1;
   if (steps) {
-    ok &= dumpColumn(f, "uk" + in, m, uk);
-    ok &= dumpColumn(f, "ukpercent" + in, m, ukpercent);
-    ok &= f.dumpMatrix("npolicyparm" + in, 1, np, 1, m, npolicy);
-    ok &= dumpColumn(f, "plc" + in, np, plc);
-    ok &= f.dumpMatrix("puc" + in, 1, np, 1, np, puc);
+    dumpColumn(f, "uk" + in, m, uk);
+    dumpColumn(f, "ukpercent" + in, m, ukpercent);
+    f.dumpMatrix("npolicyparm" + in, 1, np, 1, m, npolicy);
+    dumpColumn(f, "plc" + in, np, plc);
+    f.dumpMatrix("puc" + in, 1, np, 1, np, puc);
   }
-  if (finals) ok &= f.dumpMatrix("thetatrue" + in, 1, np, 0, nt, thetatrue);
+  if (finals) f.dumpMatrix("thetatrue" + in, 1, np, 0, nt, thetatrue);
   if (steps) {
-    ok &= dumpColumn(f, "thktrue" + in, np, thktrue);
-    ok &= dumpColumn(f, "pucthetak" + in, np, pucthetak);
-    ok &= dumpColumn(f, "thk1k1" + in, np, thk1k1);
+    dumpColumn(f, "thktrue" + in, np, thktrue);
+    dumpColumn(f, "pucthetak" + in, np, pucthetak);
+    dumpColumn(f, "thk1k1" + in, np, thk1k1);
   }
-  return ok;
+  return trace.ok();
 }
 
 }  // namespace ovaro

@@ -468,11 +468,10 @@ void chooseRandomSource(const Model& model, const RandomSources& src, RandomTerm
 }
 
 int writeSeedLines(DebugFile& file, const RandomState& state) {
-  int ok = file.write(formatted("\r\n\r\n\r\n%s%f", " Monte Carlo seed for Quarns' generator = ",
-                                static_cast<double>(state.quarnsSeed)));
-  ok &= file.write(
-      formatted("\r\n\r\n\r\n%s%d", " Monte Carlo seed for VX generator = ", state.vxSeed));
-  return ok;
+  file.write(formatted("\r\n\r\n\r\n%s%f", " Monte Carlo seed for Quarns' generator = ",
+                       static_cast<double>(state.quarnsSeed)));
+  file.write(formatted("\r\n\r\n\r\n%s%d", " Monte Carlo seed for VX generator = ", state.vxSeed));
+  return file.isOpen() ? file.ok() : 0;
 }
 
 void applySeedTexts(RandomState& state, std::string vxText, std::string quarnsText) {

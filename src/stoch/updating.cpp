@@ -25,13 +25,12 @@ int SolveStochWoUpHcfr(const SystemArrays& sys, const Mat& x0, const Mat& g, con
                        const Mat& xsis, Mat& xs, Mat& us, PeriodContext& ctx,
                        const SolveTrace& trace) {
   const int n = sys.n, m = sys.m, nt = sys.nt;
-  int ok = 1;
   Mat xk = mat2(1, n, 1, 1), uk = mat2(1, m, 1, 1), ax = mat2(1, n, 1, 1), bu = mat2(1, n, 1, 1);
   mmov(n, 1, x0, xk);
   vcolset(n, 0, x0, xs);
   for (int k = 0; k <= nt - 1; ++k) {
     if (trace.on(SolveTopic::RunHeadings))
-      ok &= trace.file().write(
+      trace.file().write(
           formatted("\r\n\r\n%s%d", " SolveStochWoUpHcfr - major time loop   k = ", k));
     ctx.hcfr = true;
     CompUOnePeriod(n, m, g, glc, xk, uk, ctx, trace);
@@ -43,10 +42,10 @@ int SolveStochWoUpHcfr(const SystemArrays& sys, const Mat& x0, const Mat& g, con
     vcolset(m, k, uk, us);
   }
   if (trace.on(SolveTopic::StatesControlsFinal)) {
-    ok &= trace.file().dumpMatrix("xs in SolveStochWoUpHcfr", 1, n, 0, nt, xs);
-    ok &= trace.file().dumpMatrix("us in SolveStochWoUpHcfr", 1, m, 0, nt - 1, us);
+    trace.file().dumpMatrix("xs in SolveStochWoUpHcfr", 1, n, 0, nt, xs);
+    trace.file().dumpMatrix("us in SolveStochWoUpHcfr", 1, m, 0, nt - 1, us);
   }
-  return ok;
+  return trace.ok();
 }
 
 }  // namespace
@@ -73,17 +72,16 @@ UpdatingResult maincompareWoUpdating(const Model& model, const UpdatingSettings&
   DebugFile* file = settings.file;
   DebugSwitches switches = settings.debug.switches;
   SolveTrace trace = monteCarloTrace(file, switches);
-  int ok = 1;
   if (file != nullptr) {
-    ok &= file->writeTitle(" Debug Print File ", model.acronym, model.name);
+    file->writeTitle(" Debug Print File ", model.acronym, model.name);
     const DebugSize sizes[] = {{" State Variables, n ", n},
                                {" Control Variables, m ", m},
                                {" Exogenous Variables, l ", model.dims.l.value},
                                {" Uncertain Parameters, np ", model.dims.np.value},
                                {" Time Periods, nt ", nt}};
-    ok &= file->writeSizes(sizes);
-    ok &= writeSeedLines(*file, random);
-    if (!ok) return result;
+    file->writeSizes(sizes);
+    writeSeedLines(*file, random);
+    if (file->failed()) return result;
   }
   SystemArrays sys;
   CriterionArrays crit;
@@ -113,7 +111,7 @@ UpdatingResult maincompareWoUpdating(const Model& model, const UpdatingSettings&
   progress.start(nmc);
   auto cancelled = [&] { return settings.cancel != nullptr && settings.cancel->load(); };
   int started = 0;
-  for (int run = 1; run <= nmc && ok && !cancelled(); ++run) {
+  for (int run = 1; run <= nmc && trace.ok() && !cancelled(); ++run) {
     started = run;
     auto allOff = [&] {
       switches.clear();
@@ -128,7 +126,7 @@ UpdatingResult maincompareWoUpdating(const Model& model, const UpdatingSettings&
       if (run == settings.debug.runNumber) {
         switches = saved;
         if (file != nullptr)
-          ok &= file->write(formatted("\r\n\r\n\r\n%s%d", " Print for Monte Carlo run i = ", run));
+          file->write(formatted("\r\n\r\n\r\n%s%d", " Print for Monte Carlo run i = ", run));
       }
       if (run == settings.debug.runNumber + 1) allOff();
     }
@@ -137,21 +135,21 @@ UpdatingResult maincompareWoUpdating(const Model& model, const UpdatingSettings&
     if (generate) MonteCarloXsis(random, src, xsis, prompter, trace);
     ctx.run = run;
     if (!settings.methods.hcfr) continue;
-    ok &= SolveStochWoUpHcfr(sys, crit.x0, g, glc, xsis, result.xs, result.us, ctx, trace);
+    SolveStochWoUpHcfr(sys, crit.x0, g, glc, xsis, result.xs, result.us, ctx, trace);
     if (!criterionWanted) {
       if (nmc == 1)
         prompter.inform("Solved with handcrafted feedback rule.", "HCFR", Icon::Information);
       continue;
     }
     if (trace.on(SolveTopic::RunHeadings))
-      ok &= trace.file().write("\r\n\r\n Criterion values in HCFR case ");
+      trace.file().write("\r\n\r\n Criterion values in HCFR case ");
     const double c = crit.tracking == 1
                          ? SumTracking(n, m, nt, crit.ws, crit.lams, crit.xtws, crit.utws,
                                        result.xs, result.us, SolveTrace())
                          : sumc(0, n, m, nt, crit.ws, crit.wlcs, crit.f, crit.lams, crit.lamlcs,
                                 crit.xtws, crit.utws, result.xs, result.us, SolveTrace());
     if (trace.on(SolveTopic::StatesControlsFinal))
-      ok &= trace.file().dumpScalar("criterion in SolveStochWoUpHcfrCrit", c);
+      trace.file().dumpScalar("criterion in SolveStochWoUpHcfrCrit", c);
     if (nmc < 2) {
       char buf[128];
       std::snprintf(buf, sizeof buf, "HCFR Criterion = %E", c);
@@ -167,7 +165,7 @@ UpdatingResult maincompareWoUpdating(const Model& model, const UpdatingSettings&
     return none;
   }
   result.runs = nmc;
-  result.status = ok ? 1 : 0;
+  result.status = trace.ok();
   return result;
 }
 
