@@ -276,6 +276,7 @@ TEST(MainWindowFile, SavePromptOnClose) {
     ASSERT_EQ(h.prompter.fileRequests().size(), 1u);
     EXPECT_EQ(h.prompter.fileRequests()[0].kind, FileRequest::Kind::Save);
     EXPECT_EQ(h.prompter.fileRequests()[0].filters[0].label, "OVARO Files (*.ovi)");
+    EXPECT_EQ(h.prompter.fileRequests()[0].filters[0].pattern, "*.ovi");
     // Cancel at the prompt keeps the window too; No lets it close.
     h.prompter.scriptAnswer(Answer::Cancel);
     EXPECT_FALSE(h.window->close());
