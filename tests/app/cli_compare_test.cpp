@@ -53,6 +53,7 @@ TEST(CliCompare, OneRunPrintsItsTableAndRefusalsExitOne) {
   auto r = runCli({"compare", example("learn1.ovi"), "--methods", "ce,olf", "--runs", "1"});
   ASSERT_EQ(r.code, 0) << r.err;
   EXPECT_NE(r.out.find("Average criterion:"), std::string::npos);
+  EXPECT_NE(r.out.find("\nRuns with lowest criterion:  HCFR = "), std::string::npos) << r.out;
   EXPECT_NE(r.out.find("  Criterion CE ="), std::string::npos) << r.out;
   EXPECT_NE(r.out.find("  Criterion OLF ="), std::string::npos);
 

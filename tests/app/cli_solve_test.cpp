@@ -105,6 +105,9 @@ TEST(CliSolve, RefusalsAndBadUsage) {
               "qlp.k-and-p,no.such"});
   EXPECT_EQ(r.code, 2);
   EXPECT_NE(r.err.find("qlp.g-and-g"), std::string::npos) << "lists the known switches";
+  r = runCli({"solve", example("learn1.ovi"), "--method", "olf", "--caution", "1,1,0.1"});
+  EXPECT_EQ(r.code, 2);
+  EXPECT_NE(r.err.find("--caution takes ROW,COL,VALUE,PERIOD"), std::string::npos) << r.err;
   EXPECT_EQ(runCli({"solve", example("track1.ovi"), "--caution", "1,1,0.1,1"}).code, 2);
   EXPECT_EQ(
       runCli({"solve", example("learn1.ovi"), "--method", "olf", "--caution", "1,1,x,1"}).code, 2);

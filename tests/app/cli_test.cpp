@@ -142,7 +142,7 @@ TEST(CliTransform, StepsAndTheirUndoingGiveTheModelBack) {
     const std::string m1 = std::to_string(model.dims.m.value + 1);
     const std::string grown = dir.file(std::string("grown-") + name);
     const std::string back = dir.file(name);
-    Result r = runCli({"transform", example(name), grown, "add-state", "112", "88",
+    Result r = runCli({"transform", example(name), grown, "add-state", "add-control", "88",
                        "set:X0(" + n1 + ",1)=7.5", "--json"});
     ASSERT_EQ(r.code, 0) << r.err;
     const auto j = nlohmann::json::parse(r.out);

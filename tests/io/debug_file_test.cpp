@@ -13,6 +13,8 @@
 #include <type_traits>
 #include <vector>
 
+#include "support/test_data.h"
+
 namespace ovaro {
 namespace {
 
@@ -191,7 +193,6 @@ TEST(DebugFile, EveryOtherDumpAndHeadingHasItsLayout) {
   const std::string path = tmp.file("all.dbg");
   DebugFile file;  // no format chosen: " %10.2f "
   ASSERT_TRUE(file.open(path));
-  std::string expected;
 
   Mat a = mat2(1, 2, 1, 2);
   a(1, 1) = 1;
@@ -199,19 +200,11 @@ TEST(DebugFile, EveryOtherDumpAndHeadingHasItsLayout) {
   a(2, 1) = 0.125;
   a(2, 2) = 100;
   EXPECT_EQ(file.dumpMatrixFixed("f", 1, 2, 1, 2, a), 1);
-  expected += std::string("\n f ") + "\n   " + "    1.0000 " + "   -2.5000 " + "\n   " +
-              "    0.1250 " + "  100.0000 ";
 
   Mat3 s = mat3(0, 1, 1, 1, 1, 6);
   for (int i = 0; i <= 1; ++i)
     for (int k = 1; k <= 6; ++k) s(i, 1, k) = 10 * i + k;
   EXPECT_EQ(file.dumpMatrix3("sixx", 0, 1, 1, 1, 1, 6, s), 1);
-  expected += std::string("\n sixx    0") + "\n   " + "    1.0000 " + "    2.0000 " +
-              "    3.0000 " + "    4.0000 " + "    5.0000 " + "\n sixx    0" + "\n   " +
-              "    6.0000 ";
-  expected += std::string("\n sixx    1") + "\n   " + "   11.0000 " + "   12.0000 " +
-              "   13.0000 " + "   14.0000 " + "   15.0000 " + "\n sixx    1" + "\n   " +
-              "   16.0000 ";
 
   IMat ithn = imat2(1, 2, 1, 3);
   ithn(1, 2) = 1;
@@ -220,51 +213,40 @@ TEST(DebugFile, EveryOtherDumpAndHeadingHasItsLayout) {
   ithn(2, 2) = -12;
   ithn(2, 3) = 1;
   EXPECT_EQ(file.dumpIntMatrix("ithn", 1, 2, 1, 3, ithn), 1);
-  expected += std::string("\n ithn ") + "\n   0 1 2 " + "\n   1 -12 1 ";
 
   Vec x0 = vec1(1, 3);
   x0(1) = 1;
   x0(2) = -0.5;
   x0(3) = 12345.678;
   EXPECT_EQ(file.dumpVector("x0", 1, 3, x0), 1);
-  expected += std::string("\n x0") + "       1.00 " + "      -0.50 " + "   12345.68 ";
   Mat c = mat2(1, 2, 1, 1);
   c(1, 1) = 7;
   c(2, 1) = 0.004;
   EXPECT_EQ(file.dumpVector("c", 1, 2, c), 1);
-  expected += std::string("\n c") + "       7.00 " + "       0.00 ";
 
   Vec xs = vec1(0, 1);
   xs(0) = 2;
   xs(1) = -3;
   EXPECT_EQ(file.dumpVectorFixed("xs", 0, 1, xs), 1);
-  expected += std::string(" \n xs") + "\n       2.0000" + "\n      -3.0000";
   EXPECT_EQ(file.dumpVectorFixed("c", 2, 2, c), 1);
-  expected += std::string(" \n c") + "\n       0.0040";
 
   EXPECT_EQ(file.dumpScalar("criterion in sumc", 12.5), 1);
-  expected += "\n\n criterion in sumc    12.5000 ";
   EXPECT_EQ(file.dumpInt("iter", 7), 1);
-  expected += "\n\n iter  7 ";
   const std::vector<int> nmap = {1, 22, 333, 4444};
   EXPECT_EQ(file.dumpIntList("nmap", nmap), 1);
-  expected += std::string(" nmap \n") + "   1  " + "  22  " + " 333  " + " 4444  ";
 
   EXPECT_EQ(file.writeTitle(" Debug Print File ", "GOV1", "Small policy model"), 1);
-  expected += " Debug Print File \r\n GOV1\n Small policy model\n";
   const std::vector<DebugSize> sizes = {{" State Variables, n ", 2}, {" Control Variables, m ", 1}};
   EXPECT_EQ(file.writeSizes(sizes), 1);
-  expected += "\r\n State Variables, n \n   2\r\n Control Variables, m \n   1";
   EXPECT_EQ(file.writeHeading("Debug File for QLP "), 1);
-  expected += "Debug File for QLP ";
   EXPECT_EQ(file.writeRemark(" tr4b = ", 0.25), 1);
-  expected += "\r\n tr4b =     0.2500";
 
   MatrixTrace& trace = file;
   trace.matrix("kuc in mmul31tv", 1, 1, 1, 2, a);
-  expected += std::string("\n kuc in mmul31tv ") + "\n   " + "       1.00 " + "      -2.50 ";
 
   file.close();
+  std::string expected;  // tests/data/debug_file_layouts.txt, one dump an entry
+  for (const std::string& entry : testing::dataLines("debug_file_layouts.txt")) expected += entry;
   EXPECT_EQ(readFile(path), expected);
 }
 

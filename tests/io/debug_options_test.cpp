@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "support/test_data.h"
+
 namespace ovaro {
 namespace {
 
@@ -33,50 +35,26 @@ TEST(DebugOptions, TableHoldsEveryBoxInDialogOrder) {
     }
   }
 
-  EXPECT_EQ(labelsOf(DebugPage::QlpOlf),
-            (std::vector<std::string>{"All", "A, B, c. d, x0  in indat", "W's, LAM's, xdes, udes",
-                                      "tracking to quadratic form", "Pindyck to regular form",
-                                      "forward-looking variables", "phi, theta, and psi", "K and p",
-                                      "G and g", "x and u", "x and u : intermediate", "J"}));
-  EXPECT_EQ(
-      labelsOf(DebugPage::Summary),
-      (std::vector<std::string>{"All", "Only inputs and results summary", "Only results summary"}));
-  EXPECT_EQ(
-      labelsOf(DebugPage::Inputs),
-      (std::vector<std::string>{
-          "All Inputs", "All Model", "System Equations", "Criterion", "Other Inputs",
-          "All Conversion", "Tracking to Quadratic Form", "Pindyck to Regular Form",
-          "Forward-Looking Variables", "Map A, B, c to Theta", "All Stochastic Elements",
-          "Random Variables - Intermediates - Each Run", "Random Variables - Final - Each Run",
-          "Means of Ran Vars Across Monte Carlo Runs"}));
-  EXPECT_EQ(labelsOf(DebugPage::Intermediates),
-            (std::vector<std::string>{
-                "K and p - Intermediates", "K and p", "G and g", "Each Iteration",
-                "Last Two Iterations Only", "All Means and Covariances", "Means - Intermediate",
-                "Means - Final", "Covariances - Intermediate", "Covariances - Final",
-                "Means - Intermediate", "Means - Final", "Covariances - Intermediate",
-                "Covariances - Final"}));
+  const std::pair<DebugPage, const char*> pages[] = {{DebugPage::QlpOlf, "QlpOlf"},
+                                                     {DebugPage::Summary, "Summary"},
+                                                     {DebugPage::Inputs, "Inputs"},
+                                                     {DebugPage::Intermediates, "Intermediates"},
+                                                     {DebugPage::MonteCarlo, "MonteCarlo"}};
+  for (const auto& [p, name] : pages)
+    EXPECT_EQ(labelsOf(p), testing::dataSection("debug_switches.txt", name)) << name;
   EXPECT_EQ(labelsOf(DebugPage::Results).front(), "All Results");
   EXPECT_EQ(labelsOf(DebugPage::Results).size(), 10u);
-  EXPECT_EQ(
-      labelsOf(DebugPage::MonteCarlo),
-      (std::vector<std::string>{
-          "n x nmc", "nmc x n", "m x nmc", "nmc x m", "n x nt", "nt x n", "m x nt", "nt x m",
-          "Moments Over Time", "Moments Over Monte Carlo Runs", "Sum of Squared Differences",
-          "Avg Avg over MC Runs", "Avg Var over MC Runs", "All for \"Sum of Squared Differences\"",
-          "Moments Across Time of Moments Over Mc Runs",
-          "For debugging - May produce a large print file."}));
 
-  // The single-page dialog's groups, in order.
+  // The single-page dialog's groups, in order, after its ungrouped "All".
   std::vector<std::string> groups;
   for (const DebugSwitchInfo& info : debugSwitchTable()) {
-    if (info.page == DebugPage::QlpOlf && (groups.empty() || groups.back() != info.group)) {
+    if (info.page == DebugPage::QlpOlf && (groups.empty() || groups.back() != info.group))
       groups.emplace_back(info.group);
-    }
   }
-  EXPECT_EQ(groups,
-            (std::vector<std::string>{"", "Inputs", "Input Transformations", "Riccati Equations",
-                                      "Feedback Rule", "Criterion Value"}));
+  ASSERT_FALSE(groups.empty());
+  EXPECT_EQ(groups.front(), "");
+  EXPECT_EQ(std::vector<std::string>(groups.begin() + 1, groups.end()),
+            testing::dataSection("debug_switches.txt", "QlpOlf groups"));
   EXPECT_EQ(debugSwitchInfo(S::QlpKAndP).group, "Riccati Equations");
 
   EXPECT_EQ(debugPageTitle(DebugPage::QlpOlf), "Debug Print Options");

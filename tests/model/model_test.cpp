@@ -56,26 +56,21 @@ TEST(Labels, BlankTablesHoldOneBlankAcronymAnd48BlankNames) {
 }
 
 TEST(Conversion, DecimalTextToNumbers) {
-  EXPECT_DOUBLE_EQ(toDouble("1.0E-06"), 1.0e-6);
-  EXPECT_DOUBLE_EQ(toDouble("  -2.5"), -2.5);
-  EXPECT_DOUBLE_EQ(toDouble("+3"), 3.0);
-  EXPECT_DOUBLE_EQ(toDouble("12abc"), 12.0);
-  EXPECT_DOUBLE_EQ(toDouble(".5"), 0.5);
-  EXPECT_EQ(toDouble("abc"), 0.0);
-  EXPECT_EQ(toDouble(""), 0.0);
-  EXPECT_EQ(toDouble("+-1"), 0.0);
-  EXPECT_EQ(toDouble("1e999"), std::numeric_limits<double>::infinity());
-  EXPECT_EQ(toDouble("-1e999"), -std::numeric_limits<double>::infinity());
-  EXPECT_EQ(toDouble("1e-999"), 0.0);
-  // The nearest double, whatever the locale: 0.1 must be the same bits as the literal.
-  EXPECT_EQ(toDouble("0.1"), 0.1);
-
-  EXPECT_EQ(toInt("1724"), 1724);
-  EXPECT_EQ(toInt(" -7x"), -7);
-  EXPECT_EQ(toInt(""), 0);
-  EXPECT_EQ(toInt("x1"), 0);
-  EXPECT_EQ(toInt("99999999999"), std::numeric_limits<int>::max());
-  EXPECT_EQ(toInt("-99999999999"), std::numeric_limits<int>::min());
+  const double inf = std::numeric_limits<double>::infinity();
+  // The leading number of the text, else 0; 0.1 must be the same bits as the literal, whatever
+  // the locale.
+  const std::pair<const char*, double> doubles[] = {
+      {"1.0E-06", 1.0e-6}, {"  -2.5", -2.5}, {"+3", 3.0},     {"12abc", 12.0},
+      {".5", 0.5},         {"abc", 0.0},     {"", 0.0},       {"+-1", 0.0},
+      {"1e999", inf},      {"-1e999", -inf}, {"1e-999", 0.0}, {"0.1", 0.1}};
+  for (const auto& [text, value] : doubles) EXPECT_EQ(toDouble(text), value) << text;
+  const std::pair<const char*, int> ints[] = {{"1724", 1724},
+                                              {" -7x", -7},
+                                              {"", 0},
+                                              {"x1", 0},
+                                              {"99999999999", std::numeric_limits<int>::max()},
+                                              {"-99999999999", std::numeric_limits<int>::min()}};
+  for (const auto& [text, value] : ints) EXPECT_EQ(toInt(text), value) << text;
 }
 
 TEST(Conversion, TextMatricesBecomeOneBasedAndPeriodArrays) {

@@ -16,33 +16,16 @@
 
 #include "numeric/arrays.h"
 #include "numeric/prompter.h"
+#include "support/mat.h"
 
 namespace ovaro {
 namespace {
 
+using testing::filledMat;
+using testing::rowsMat;
+
 constexpr double kSentinel = 99.25;         // marks elements an operation must leave alone
 const double kTwo53 = std::ldexp(1.0, 53);  // 2^53 + 1 rounds back to 2^53
-
-// A matrix with rows and columns from 1, written row by row.
-Mat fromRows(std::initializer_list<std::initializer_list<double>> rows) {
-  const int n = static_cast<int>(rows.size());
-  const int m = n == 0 ? 0 : static_cast<int>(rows.begin()->size());
-  Mat a = mat2(1, n, 1, m);
-  int i = 1;
-  for (const auto& row : rows) {
-    int j = 1;
-    for (double v : row) a(i, j++) = v;
-    ++i;
-  }
-  return a;
-}
-
-Mat filled(int rlo, int rhi, int clo, int chi, double v) {
-  Mat a = mat2(rlo, rhi, clo, chi);
-  for (int i = rlo; i <= rhi; ++i)
-    for (int j = clo; j <= chi; ++j) a(i, j) = v;
-  return a;
-}
 
 // Checks `actual` over the whole of its bounds: `expected` (rows and columns from 1) inside the
 // block it covers, the sentinel everywhere else.
@@ -69,46 +52,46 @@ std::mt19937_64 seededRng(std::uint64_t seed) {
 
 TEST(MatrixOps, ElementwiseOperationsWriteOnlyTheirSize) {
   // Operands 2 x 3 inside 3 x 4 arrays: the third row and fourth column are not theirs.
-  const Mat A = fromRows({{1, 2, 3}, {4, 5, 6}, {7, 8, 9}});
-  const Mat B = fromRows({{0.5, -1, 2}, {3, 0, -4}, {1, 1, 1}});
-  const Mat C = fromRows({{10, 20, 30}, {40, 50, 60}, {0, 0, 0}});
-  const Mat D = fromRows({{-1, -1, -1}, {-2, -2, -2}, {0, 0, 0}});
-  auto out = [] { return filled(1, 3, 1, 4, kSentinel); };
+  const Mat A = rowsMat({{1, 2, 3}, {4, 5, 6}, {7, 8, 9}});
+  const Mat B = rowsMat({{0.5, -1, 2}, {3, 0, -4}, {1, 1, 1}});
+  const Mat C = rowsMat({{10, 20, 30}, {40, 50, 60}, {0, 0, 0}});
+  const Mat D = rowsMat({{-1, -1, -1}, {-2, -2, -2}, {0, 0, 0}});
+  auto out = [] { return filledMat(1, 3, 1, 4, kSentinel); };
 
   Mat r = out();
   mzero(2, 3, r);
-  expectBlock(fromRows({{0, 0, 0}, {0, 0, 0}}), r);
+  expectBlock(rowsMat({{0, 0, 0}, {0, 0, 0}}), r);
 
   r = out();
   mident(2, 3, r);
-  expectBlock(fromRows({{1, 0, 0}, {0, 1, 0}}), r);
+  expectBlock(rowsMat({{1, 0, 0}, {0, 1, 0}}), r);
   r = out();
   mident(3, 2, r);
-  expectBlock(fromRows({{1, 0}, {0, 1}, {0, 0}}), r);
+  expectBlock(rowsMat({{1, 0}, {0, 1}, {0, 0}}), r);
 
   r = out();
   mmov(2, 3, A, r);
-  expectBlock(fromRows({{1, 2, 3}, {4, 5, 6}}), r);
+  expectBlock(rowsMat({{1, 2, 3}, {4, 5, 6}}), r);
 
   r = out();
   mneg(2, 3, B, r);
-  expectBlock(fromRows({{-0.5, 1, -2}, {-3, 0, 4}}), r);
+  expectBlock(rowsMat({{-0.5, 1, -2}, {-3, 0, 4}}), r);
 
   r = out();
   madd(2, 3, A, B, r);
-  expectBlock(fromRows({{1.5, 1, 5}, {7, 5, 2}}), r);
+  expectBlock(rowsMat({{1.5, 1, 5}, {7, 5, 2}}), r);
 
   r = out();
   msub(2, 3, A, B, r);
-  expectBlock(fromRows({{0.5, 3, 1}, {1, 5, 10}}), r);
+  expectBlock(rowsMat({{0.5, 3, 1}, {1, 5, 10}}), r);
 
   r = out();
   madd3(2, 3, A, B, C, r);
-  expectBlock(fromRows({{11.5, 21, 35}, {47, 55, 62}}), r);
+  expectBlock(rowsMat({{11.5, 21, 35}, {47, 55, 62}}), r);
 
   r = out();
   madd4(2, 3, A, B, C, D, r);
-  expectBlock(fromRows({{10.5, 20, 34}, {45, 53, 60}}), r);
+  expectBlock(rowsMat({{10.5, 20, 34}, {45, 53, 60}}), r);
 
   // Column 2 of a per-period array (periods 0..2) added to the diagonal.
   Mat V = mat2(1, 3, 0, 2);
@@ -116,10 +99,10 @@ TEST(MatrixOps, ElementwiseOperationsWriteOnlyTheirSize) {
     for (int t = 0; t <= 2; ++t) V(i, t) = 100.0 * (t + 1) + i;
   r = out();
   maddiagcol(2, 3, 2, A, V, r);
-  expectBlock(fromRows({{302, 2, 3}, {4, 307, 6}}), r);
+  expectBlock(rowsMat({{302, 2, 3}, {4, 307, 6}}), r);
   r = out();
   maddiagcol(3, 2, 0, A, V, r);
-  expectBlock(fromRows({{102, 2}, {4, 107}, {7, 8}}), r);
+  expectBlock(rowsMat({{102, 2}, {4, 107}, {7, 8}}), r);
 }
 
 TEST(MatrixOps, SubrangeOperationsWriteOnlyTheirBounds) {
@@ -133,25 +116,25 @@ TEST(MatrixOps, SubrangeOperationsWriteOnlyTheirBounds) {
     }
   auto inside = [](int i, int j) { return i >= 1 && i <= 2 && j >= 2 && j <= 4; };
 
-  Mat r = filled(0, 3, 0, 4, kSentinel);
+  Mat r = filledMat(0, 3, 0, 4, kSentinel);
   mzerosub(1, 2, 2, 4, r);
   for (int i = 0; i <= 3; ++i)
     for (int j = 0; j <= 4; ++j) EXPECT_EQ(r(i, j), inside(i, j) ? 0.0 : kSentinel) << i << j;
 
-  r = filled(0, 3, 0, 4, kSentinel);
+  r = filledMat(0, 3, 0, 4, kSentinel);
   mmovsub(1, 2, 2, 4, A, r);
   for (int i = 0; i <= 3; ++i)
     for (int j = 0; j <= 4; ++j)
       EXPECT_EQ(r(i, j), inside(i, j) ? 10.0 * i + j : kSentinel) << i << j;
 
-  r = filled(0, 3, 0, 4, kSentinel);
+  r = filledMat(0, 3, 0, 4, kSentinel);
   msubsub(1, 2, 2, 4, A, B, r);
   for (int i = 0; i <= 3; ++i)
     for (int j = 0; j <= 4; ++j)
       EXPECT_EQ(r(i, j), inside(i, j) ? 11.0 * i + 0.75 * j : kSentinel) << i << j;
 
   // B(j, i) = A(i, j) over rows 1..2, columns 2..4 of A.
-  Mat t = filled(0, 4, 0, 3, kSentinel);
+  Mat t = filledMat(0, 4, 0, 3, kSentinel);
   mtranssub(1, 2, 2, 4, A, t);
   for (int j = 0; j <= 4; ++j)
     for (int i = 0; i <= 3; ++i)
@@ -161,9 +144,9 @@ TEST(MatrixOps, SubrangeOperationsWriteOnlyTheirBounds) {
 // Each sum and product is taken in the stated order; these cases give a different answer in any
 // other order (2^53 + 1 rounds back to 2^53).
 TEST(MatrixOps, SumsAndProductsRunInTheStatedOrder) {
-  const Mat big = fromRows({{kTwo53}});
-  const Mat one = fromRows({{1}});
-  const Mat minusBig = fromRows({{-kTwo53}});
+  const Mat big = rowsMat({{kTwo53}});
+  const Mat one = rowsMat({{1}});
+  const Mat minusBig = rowsMat({{-kTwo53}});
   Mat r = mat2(1, 1, 1, 1);
   madd3(1, 1, big, one, minusBig, r);  // (2^53 + 1) - 2^53 = 0, not 2^53 + (1 - 2^53) = 1
   EXPECT_EQ(r(1, 1), 0.0);
@@ -175,27 +158,27 @@ TEST(MatrixOps, SumsAndProductsRunInTheStatedOrder) {
   EXPECT_EQ(r(1, 1), 1.0);
 
   // mmul: the inner index runs upwards from a sum of 0.
-  const Mat row = fromRows({{kTwo53, 1, -kTwo53}});
-  const Mat ones = fromRows({{1}, {1}, {1}});
+  const Mat row = rowsMat({{kTwo53, 1, -kTwo53}});
+  const Mat ones = rowsMat({{1}, {1}, {1}});
   mmul(1, 3, 1, row, ones, r);
   EXPECT_EQ(r(1, 1), 0.0);
-  const Mat reversed = fromRows({{-kTwo53, 1, kTwo53}});
+  const Mat reversed = rowsMat({{-kTwo53, 1, kTwo53}});
   mmul(1, 3, 1, reversed, ones, r);
   EXPECT_EQ(r(1, 1), 1.0);
 
   // mtrace2: i outer, j inner. The terms A(i,j) B(j,i) come as 1, 2^53, -1, -2^53 in that order
   // (sum -1); with j outer they would come as 1, -1, 2^53, -2^53 (sum 0).
-  const Mat A2 = fromRows({{1, kTwo53}, {-1, -kTwo53}});
-  const Mat B2 = fromRows({{1, 1}, {1, 1}});
+  const Mat A2 = rowsMat({{1, kTwo53}, {-1, -kTwo53}});
+  const Mat B2 = rowsMat({{1, 1}, {1, 1}});
   EXPECT_EQ(mtrace2(2, 2, A2, B2), -1.0);
 
   // mtrace4 with n = 1, m = 2: the terms (A(1,k) B(k,1)) (C(1,l) D(l,1)) are p_k q_l with
   // p = (1, -1) and q = (1, 2^53). With k outside l they come as 1, 2^53, -1, -2^53 (sum -1);
   // with l outside k as 1, -1, 2^53, -2^53 (sum 0).
-  const Mat A4 = fromRows({{1, -1}});
-  const Mat B4 = fromRows({{1}, {1}});
-  const Mat C4 = fromRows({{1, kTwo53}});
-  const Mat D4 = fromRows({{1}, {1}});
+  const Mat A4 = rowsMat({{1, -1}});
+  const Mat B4 = rowsMat({{1}, {1}});
+  const Mat C4 = rowsMat({{1, kTwo53}});
+  const Mat D4 = rowsMat({{1}, {1}});
   EXPECT_EQ(mtrace4(1, 2, A4, B4, C4, D4), -1.0);
 
   // Each term of mtrace4 is ((A B) C) D. With n = m = 1 and these values the other groupings
@@ -204,31 +187,31 @@ TEST(MatrixOps, SumsAndProductsRunInTheStatedOrder) {
   const double leftToRight = ((a * b) * c) * d;
   ASSERT_NE(leftToRight, (a * b) * (c * d));
   ASSERT_NE(leftToRight, a * (b * (c * d)));
-  EXPECT_EQ(mtrace4(1, 1, fromRows({{a}}), fromRows({{b}}), fromRows({{c}}), fromRows({{d}})),
+  EXPECT_EQ(mtrace4(1, 1, rowsMat({{a}}), rowsMat({{b}}), rowsMat({{c}}), rowsMat({{d}})),
             leftToRight);
 }
 
 TEST(MatrixOps, ProductsMatchHandWorkedCases) {
-  Mat r = filled(1, 3, 1, 3, kSentinel);
-  mmul(2, 3, 2, fromRows({{1, 2, 3}, {4, 5, 6}}), fromRows({{7, 8}, {9, 10}, {11, 12}}), r);
-  expectBlock(fromRows({{58, 64}, {139, 154}}), r);
+  Mat r = filledMat(1, 3, 1, 3, kSentinel);
+  mmul(2, 3, 2, rowsMat({{1, 2, 3}, {4, 5, 6}}), rowsMat({{7, 8}, {9, 10}, {11, 12}}), r);
+  expectBlock(rowsMat({{58, 64}, {139, 154}}), r);
 
   // A (1 x 2) (B (2 x 3) D (3 x 1)): B D = (14, 2)', A B D = 18.
-  r = filled(1, 2, 1, 2, kSentinel);
-  mmul3(1, 2, 3, 1, fromRows({{1, 2}}), fromRows({{1, 2, 3}, {0, 1, 0}}), fromRows({{1}, {2}, {3}}),
+  r = filledMat(1, 2, 1, 2, kSentinel);
+  mmul3(1, 2, 3, 1, rowsMat({{1, 2}}), rowsMat({{1, 2, 3}, {0, 1, 0}}), rowsMat({{1}, {2}, {3}}),
         r);
-  expectBlock(fromRows({{18}}), r);
+  expectBlock(rowsMat({{18}}), r);
 
   // A' (B D) + E with A 2 x 3 (so p = 3 differs from n = 2) and a B that is not symmetric:
   // B D = (1, 1)', A' B D = (5, 7, 9)'.
-  r = filled(1, 4, 1, 2, kSentinel);
-  mtransmul(2, 3, 1, fromRows({{1, 2, 3}, {4, 5, 6}}), fromRows({{1, 0}, {2, 1}}),
-            fromRows({{1}, {-1}}), fromRows({{0.5}, {1}, {-9}}), r);
-  expectBlock(fromRows({{5.5}, {8}, {0}}), r);
+  r = filledMat(1, 4, 1, 2, kSentinel);
+  mtransmul(2, 3, 1, rowsMat({{1, 2, 3}, {4, 5, 6}}), rowsMat({{1, 0}, {2, 1}}),
+            rowsMat({{1}, {-1}}), rowsMat({{0.5}, {1}, {-9}}), r);
+  expectBlock(rowsMat({{5.5}, {8}, {0}}), r);
 
-  r = filled(1, 4, 1, 3, kSentinel);
-  mtrans(2, 3, fromRows({{1, 2, 3}, {4, 5, 6}}), r);
-  expectBlock(fromRows({{1, 4}, {2, 5}, {3, 6}}), r);
+  r = filledMat(1, 4, 1, 3, kSentinel);
+  mtrans(2, 3, rowsMat({{1, 2, 3}, {4, 5, 6}}), r);
+  expectBlock(rowsMat({{1, 4}, {2, 5}, {3, 6}}), r);
 }
 
 TEST(MatrixOps, TripleProductAssociatesToTheRight) {
@@ -263,16 +246,16 @@ TEST(MatrixOps, QuadraticFormTracesItsStepsAndMatchesTheUntracedForm) {
   // A is m x n = 2 x 3; K is not symmetric, so K and K' give different products.
   //   K A = [2 1 3; 0 3 -3],  A' K A = [2 1 3; 0 3 -3; 4 -1 9],
   // and column 2 of V, (10, 20, 30), goes on the diagonal.
-  const Mat A = fromRows({{1, 0, 2}, {0, 1, -1}});
-  const Mat K = fromRows({{2, 1}, {0, 3}});
+  const Mat A = rowsMat({{1, 0, 2}, {0, 1, -1}});
+  const Mat K = rowsMat({{2, 1}, {0, 3}});
   Mat V = mat2(1, 3, 0, 3);
   for (int i = 1; i <= 3; ++i)
     for (int t = 0; t <= 3; ++t) V(i, t) = t == 2 ? 10.0 * i : -1000.0;
 
   RecordingTrace trace;
-  Mat traced = filled(1, 4, 1, 4, kSentinel);
+  Mat traced = filledMat(1, 4, 1, 4, kSentinel);
   mmul31tv(3, 2, 2, A, K, V, traced, &trace);
-  expectBlock(fromRows({{12, 1, 3}, {0, 23, -3}, {4, -1, 39}}), traced);
+  expectBlock(rowsMat({{12, 1, 3}, {0, 23, -3}, {4, -1, 39}}), traced);
 
   struct Expected {
     const char* label;
@@ -282,9 +265,9 @@ TEST(MatrixOps, QuadraticFormTracesItsStepsAndMatchesTheUntracedForm) {
   const Expected expected[] = {
       {"kuc in mmul31tv", 2, 2, K},
       {"a in mmul31tv", 2, 3, A},
-      {"kuca in mmul31tv", 2, 3, fromRows({{2, 1, 3}, {0, 3, -3}})},
-      {"at in mmul31tv", 3, 2, fromRows({{1, 0}, {0, 1}, {2, -1}})},
-      {"atkuca in mmul31tv", 3, 3, fromRows({{2, 1, 3}, {0, 3, -3}, {4, -1, 9}})},
+      {"kuca in mmul31tv", 2, 3, rowsMat({{2, 1, 3}, {0, 3, -3}})},
+      {"at in mmul31tv", 3, 2, rowsMat({{1, 0}, {0, 1}, {2, -1}})},
+      {"atkuca in mmul31tv", 3, 3, rowsMat({{2, 1, 3}, {0, 3, -3}, {4, -1, 9}})},
   };
   ASSERT_EQ(trace.shown.size(), std::size(expected));
   for (std::size_t s = 0; s < std::size(expected); ++s) {
@@ -301,15 +284,15 @@ TEST(MatrixOps, QuadraticFormTracesItsStepsAndMatchesTheUntracedForm) {
         EXPECT_EQ(got.copy(i, j), want.value(i, j)) << i << "," << j;
   }
 
-  Mat untraced = filled(1, 4, 1, 4, kSentinel);
+  Mat untraced = filledMat(1, 4, 1, 4, kSentinel);
   mmul31tv(3, 2, 2, A, K, V, untraced, nullptr);
-  expectBlock(fromRows({{12, 1, 3}, {0, 23, -3}, {4, -1, 39}}), untraced);
+  expectBlock(rowsMat({{12, 1, 3}, {0, 23, -3}, {4, -1, 39}}), untraced);
 
   // With rounding in play the traced and untraced forms still agree to the bit.
   const std::uint64_t seed = 77031;
   std::mt19937_64 rng = seededRng(seed);
   for (const auto& [n, m] : {std::pair{4, 3}, std::pair{3, 5}, std::pair{1, 1}, std::pair{6, 6}}) {
-    SCOPED_TRACE(testing::Message() << "n=" << n << " m=" << m);
+    SCOPED_TRACE(::testing::Message() << "n=" << n << " m=" << m);
     const Mat An = randomMat(rng, m, n), Kn = randomMat(rng, m, m), Vn = randomMat(rng, n, 3);
     Mat c1 = mat2(1, n, 1, n), c2 = mat2(1, n, 1, n);
     RecordingTrace ignored;
@@ -328,10 +311,10 @@ TEST(MatrixOps, TracesEqualTheDiagonalOfTheExplicitProduct) {
   };
 
   // Small integers: every sum is exact, so the identities hold exactly.
-  const Mat A = fromRows({{1, -2, 3}, {0, 4, -1}});   // 2 x 3
-  const Mat B = fromRows({{2, 1}, {-3, 5}, {1, 0}});  // 3 x 2
-  const Mat C = fromRows({{-1, 0, 2}, {3, 1, 1}});    // 2 x 3
-  const Mat D = fromRows({{1, 1}, {0, -2}, {4, 3}});  // 3 x 2
+  const Mat A = rowsMat({{1, -2, 3}, {0, 4, -1}});   // 2 x 3
+  const Mat B = rowsMat({{2, 1}, {-3, 5}, {1, 0}});  // 3 x 2
+  const Mat C = rowsMat({{-1, 0, 2}, {3, 1, 1}});    // 2 x 3
+  const Mat D = rowsMat({{1, 1}, {0, -2}, {4, 3}});  // 3 x 2
   Mat AB = mat2(1, 2, 1, 2), ABC = mat2(1, 2, 1, 3), ABCD = mat2(1, 2, 1, 2);
   mmul(2, 3, 2, A, B, AB);
   mmul(2, 2, 3, AB, C, ABC);
@@ -346,7 +329,7 @@ TEST(MatrixOps, TracesEqualTheDiagonalOfTheExplicitProduct) {
   const std::uint64_t seed = 4417;
   std::mt19937_64 rng = seededRng(seed);
   for (const auto& [n, m] : {std::pair{1, 1}, std::pair{3, 5}, std::pair{6, 2}, std::pair{7, 7}}) {
-    SCOPED_TRACE(testing::Message() << "n=" << n << " m=" << m);
+    SCOPED_TRACE(::testing::Message() << "n=" << n << " m=" << m);
     const Mat Ar = randomMat(rng, n, m), Br = randomMat(rng, m, n), Cr = randomMat(rng, n, m),
               Dr = randomMat(rng, m, n);
     Mat P = mat2(1, n, 1, n), Q = mat2(1, n, 1, m), R = mat2(1, n, 1, n);
@@ -382,59 +365,46 @@ TEST(MatrixOps, ThreeIndexTransposeMovesEachIndex) {
 TEST(MatrixOps, SlicesAndColumnsMoveTheRightElements) {
   // Slice 3 of a 3 x 3 x 4 array: set and get back, other slices untouched.
   Mat3 A3 = mat3(1, 3, 1, 3, 1, 4);
-  const Mat A = fromRows({{1, 2, 3}, {4, 5, 6}, {7, 8, 9}});
+  const Mat A = rowsMat({{1, 2, 3}, {4, 5, 6}, {7, 8, 9}});
   mslice3set(2, 3, 3, A, A3);
-  for (int i = 1; i <= 3; ++i)
-    for (int j = 1; j <= 3; ++j)
-      for (int k = 1; k <= 4; ++k)
-        EXPECT_EQ(A3(i, j, k), k == 3 && i <= 2 ? A(i, j) : 0.0) << i << j << k;
-  Mat got = filled(1, 3, 1, 4, kSentinel);
-  mslice3get(2, 3, 3, A3, got);
-  expectBlock(fromRows({{1, 2, 3}, {4, 5, 6}}), got);
-
   mslice3setsub(2, 3, 2, 3, 1, A, A3);  // rows 2..3, columns 2..3 into slice 1
   for (int i = 1; i <= 3; ++i)
-    for (int j = 1; j <= 3; ++j) EXPECT_EQ(A3(i, j, 1), i >= 2 && j >= 2 ? A(i, j) : 0.0) << i << j;
-  got = filled(1, 3, 1, 4, kSentinel);
+    for (int j = 1; j <= 3; ++j)
+      for (int k = 1; k <= 4; ++k) {
+        const bool set = (k == 3 && i <= 2) || (k == 1 && i >= 2 && j >= 2);
+        EXPECT_EQ(A3(i, j, k), set ? A(i, j) : 0.0) << i << j << k;
+      }
+  Mat got = filledMat(1, 3, 1, 4, kSentinel);
+  mslice3get(2, 3, 3, A3, got);
+  expectBlock(rowsMat({{1, 2, 3}, {4, 5, 6}}), got);
+  got = filledMat(1, 3, 1, 4, kSentinel);
   mslice3getsub(2, 3, 2, 3, 1, A3, got);
   for (int i = 1; i <= 3; ++i)
     for (int j = 1; j <= 4; ++j)
       EXPECT_EQ(got(i, j), i >= 2 && j >= 2 && j <= 3 ? A(i, j) : kSentinel) << i << j;
 
-  const Mat x = fromRows({{1}, {2}, {3}});
-  Mat paths = filled(1, 3, 0, 2, kSentinel);  // three states over periods 0..2
+  // Columns of per-period paths (three states over periods 0..2) and a row of a gain.
+  const Mat x = rowsMat({{1}, {2}, {3}});
+  Mat paths = filledMat(1, 3, 0, 2, kSentinel);
   vcolset(2, 1, x, paths);
   vcolsetsub(2, 3, 0, x, paths);
-  for (int i = 1; i <= 3; ++i) {
-    EXPECT_EQ(paths(i, 0), i >= 2 ? x(i, 1) : kSentinel) << i;
-    EXPECT_EQ(paths(i, 1), i <= 2 ? x(i, 1) : kSentinel) << i;
-    EXPECT_EQ(paths(i, 2), kSentinel) << i;
-  }
-
-  Mat col = filled(1, 3, 1, 1, kSentinel);
+  Mat col = filledMat(1, 3, 1, 1, kSentinel), sub = col, sum = col;
   vcolget(2, 1, paths, col);
-  EXPECT_EQ(col(1, 1), 1.0);
-  EXPECT_EQ(col(2, 1), 2.0);
-  EXPECT_EQ(col(3, 1), kSentinel);
-  col = filled(1, 3, 1, 1, kSentinel);
-  vcolgetsub(2, 3, 0, paths, col);
-  EXPECT_EQ(col(1, 1), kSentinel);
-  EXPECT_EQ(col(2, 1), 2.0);
-  EXPECT_EQ(col(3, 1), 3.0);
-
-  const Mat y = fromRows({{0.5}, {-1}, {100}});
-  Mat sum = filled(1, 3, 1, 1, kSentinel);
-  vcoladd(2, 1, y, paths, sum);
+  vcolgetsub(2, 3, 0, paths, sub);
+  vcoladd(2, 1, rowsMat({{0.5}, {-1}, {100}}), paths, sum);
+  Mat G = filledMat(1, 3, 1, 3, kSentinel);
+  vrowset(2, 3, rowsMat({{7, 8, 9}}), G);
+  const double s = kSentinel;
+  const double want[][3] = {{s, 1, s}, {2, 2, s}, {3, s, s}};
+  for (int i = 1; i <= 3; ++i) {
+    for (int t = 0; t <= 2; ++t) EXPECT_EQ(paths(i, t), want[i - 1][t]) << i << "," << t;
+    EXPECT_EQ(col(i, 1), i <= 2 ? x(i, 1) : s) << i;
+    EXPECT_EQ(sub(i, 1), i >= 2 ? x(i, 1) : s) << i;
+    for (int j = 1; j <= 3; ++j) EXPECT_EQ(G(i, j), i == 3 && j <= 2 ? 6.0 + j : s) << i << j;
+  }
   EXPECT_EQ(sum(1, 1), 1.5);
   EXPECT_EQ(sum(2, 1), 1.0);
-  EXPECT_EQ(sum(3, 1), kSentinel);
-
-  const Mat gain = fromRows({{7, 8, 9}});
-  Mat G = filled(1, 3, 1, 3, kSentinel);
-  vrowset(2, 3, gain, G);
-  for (int i = 1; i <= 3; ++i)
-    for (int j = 1; j <= 3; ++j)
-      EXPECT_EQ(G(i, j), i == 3 && j <= 2 ? gain(1, j) : kSentinel) << i << j;
+  EXPECT_EQ(sum(3, 1), s);
 }
 
 // Stored scenarios: variable x period x scenario.

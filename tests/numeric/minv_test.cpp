@@ -19,24 +19,14 @@
 #include <gtest/gtest.h>
 
 #include "numeric/arrays.h"
+#include "support/mat.h"
 
 namespace ovaro {
 namespace {
 
-const double kEps = std::ldexp(1.0, -52);  // spacing of doubles just above 1
+using testing::rowsMat;
 
-Mat fromRows(std::initializer_list<std::initializer_list<double>> rows) {
-  const int n = static_cast<int>(rows.size());
-  const int m = n == 0 ? 0 : static_cast<int>(rows.begin()->size());
-  Mat a = mat2(1, n, 1, m);
-  int i = 1;
-  for (const auto& row : rows) {
-    int j = 1;
-    for (double v : row) a(i, j++) = v;
-    ++i;
-  }
-  return a;
-}
+const double kEps = std::ldexp(1.0, -52);  // spacing of doubles just above 1
 
 Mat inverse(int n, const Mat& A) {
   Mat Ainv = mat2(1, n, 1, n);
@@ -126,21 +116,21 @@ bool sameBits(int n, const Mat& X, const Mat& Y) {
 
 TEST(Minv, OneByOneIsTheReciprocal) {
   for (const double a : {4.0, -3.0, 0.1, 1e-300, 7e300}) {
-    const Mat Ainv = inverse(1, fromRows({{a}}));
+    const Mat Ainv = inverse(1, rowsMat({{a}}));
     EXPECT_EQ(Ainv(1, 1), 1.0 / a) << "a = " << a;
   }
 }
 
 TEST(Minv, ExchangesRowsWhenTheyNeedIt) {
   // A permutation is its own inverse, exactly.
-  const Mat swap = fromRows({{0, 1}, {1, 0}});
+  const Mat swap = rowsMat({{0, 1}, {1, 0}});
   const Mat swapInv = inverse(2, swap);
   for (int i = 1; i <= 2; ++i)
     for (int j = 1; j <= 2; ++j) EXPECT_EQ(swapInv(i, j), swap(i, j)) << i << "," << j;
 
   // A zero leading element. By hand: x1 = b2, x2 = b3 - 3 b2, x3 = b1 + 6 b2 - 2 b3.
-  const Mat A = fromRows({{0, 2, 1}, {1, 0, 0}, {3, 1, 0}});
-  const Mat byHand = fromRows({{0, 1, 0}, {0, -3, 1}, {1, 6, -2}});
+  const Mat A = rowsMat({{0, 2, 1}, {1, 0, 0}, {3, 1, 0}});
+  const Mat byHand = rowsMat({{0, 1, 0}, {0, -3, 1}, {1, 6, -2}});
   const Mat Ainv = inverse(3, A);
   for (int i = 1; i <= 3; ++i)
     for (int j = 1; j <= 3; ++j) EXPECT_NEAR(Ainv(i, j), byHand(i, j), 8 * kEps) << i << "," << j;
@@ -167,7 +157,7 @@ TEST(Minv, RandomWellConditionedMatricesOfSizesOneToNine) {
   std::uniform_int_distribution<int> exponent(-3, 3);
   for (int n = 1; n <= 9; ++n)
     for (int trial = 0; trial < 4; ++trial) {
-      SCOPED_TRACE(testing::Message() << "seed " << seed << ", n " << n << ", trial " << trial);
+      SCOPED_TRACE(::testing::Message() << "seed " << seed << ", n " << n << ", trial " << trial);
       // Diagonally dominant, rows scaled by powers of two (so that only implicit scaling finds
       // the dominant element), then rows shuffled so that every pivot needs an exchange.
       Mat M = mat2(1, n, 1, n);
@@ -197,17 +187,17 @@ TEST(Minv, PivotRowFollowsImplicitScalingAndLaterRowsWinTies) {
   const Case cases[] = {
       // Row 1 has the larger leading element, but relative to the rest of its row row 2's is
       // larger (2/100 against 1/1).
-      {"implicit scaling", fromRows({{2, 100}, {1, 1}}), {2, 1}, {1, 2}},
+      {"implicit scaling", rowsMat({{2, 100}, {1, 1}}), {2, 1}, {1, 2}},
       // Both leading elements are the largest of their rows: a tie, which the later row wins.
-      {"tie", fromRows({{1, -1}, {3, -2}}), {2, 1}, {1, 2}},
+      {"tie", rowsMat({{1, -1}, {3, -2}}), {2, 1}, {1, 2}},
       // Row 1's scaled element is the larger (4/4 against 3/6), so it stays.
-      {"no exchange", fromRows({{4, -1}, {3, -6}}), {1, 2}, {2, 1}},
+      {"no exchange", rowsMat({{4, -1}, {3, -6}}), {1, 2}, {2, 1}},
       // Column 1: rows 2 and 3 tie (8/8 = 9/9) and row 3 wins, trading places with row 1.
       // Column 2: row 1, now third, offers -6 against its own largest element 6, row 2 offers 7
       // against 8, so row 1 wins; had its scale stayed behind with row 3 (-6 against 9), row 2
       // would have.
       {"scale moves with its row",
-       fromRows({{0, -6, 0}, {8, 7, 1}, {9, 0, 2}}),
+       rowsMat({{0, -6, 0}, {8, 7, 1}, {9, 0, 2}}),
        {3, 1, 2},
        {3, 2, 1}},
   };
@@ -249,12 +239,12 @@ TEST(Minv, MatchesTheReferenceFactorisationToTheBit) {
 }
 
 TEST(Minv, SingularMatricesGiveNonFiniteValuesSilently) {
-  testing::internal::CaptureStdout();
-  testing::internal::CaptureStderr();
-  const Mat rankOne = inverse(2, fromRows({{1, 2}, {2, 4}}));
+  ::testing::internal::CaptureStdout();
+  ::testing::internal::CaptureStderr();
+  const Mat rankOne = inverse(2, rowsMat({{1, 2}, {2, 4}}));
   const Mat zero = inverse(3, mat2(1, 3, 1, 3));
-  const std::string out = testing::internal::GetCapturedStdout();
-  const std::string err = testing::internal::GetCapturedStderr();
+  const std::string out = ::testing::internal::GetCapturedStdout();
+  const std::string err = ::testing::internal::GetCapturedStderr();
   EXPECT_EQ(out, "");
   EXPECT_EQ(err, "");
 

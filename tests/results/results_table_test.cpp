@@ -12,6 +12,8 @@
 #include "model/options.h"
 #include "support/model_fixtures.h"
 #include "support/solution_fixtures.h"
+#include "support/temp_dir.h"
+#include "support/test_data.h"
 
 namespace ovaro {
 namespace {
@@ -110,58 +112,19 @@ struct TinyCase {
   }
 };
 
-TEST(ResultsTable, OneMethodWithDesiredPathsInFormat770) {
+// The whole text in two formats, kept in tests/data/results_table_<format>.txt: a 10-character
+// row-heading slot, then x, xdes, the empty column headed "Controls", u and udes; a blank line
+// after the fifth period; no control in the last period, which is headed by its number.
+TEST(ResultsTable, OneMethodWithDesiredPathsAsText) {
   TinyCase c;
-  const std::string b10 = blanks(10);
-  // Columns of 10 characters after a 10-character row-heading slot: x, xdes, the empty column
-  // headed "Controls", u, udes.
-  auto row = [&](const std::string& period, const std::string& x, const std::string& u) {
-    std::string line = period + blanks(10 - period.size()) + cell(x, 8) + cell("5", 8);
-    if (u.empty()) return line.substr(0, line.size() - 1);
-    return line + b10 + cell(u, 8) + " " + padLeft("2", 8);
-  };
-  const std::vector<std::string> expected = {
-      "States    " + std::string(" S1 ") + blanks(16) + "Controls" + "  " + " C1",
-      b10 + " opt" + blanks(6) + "des" + blanks(17) + " opt" + blanks(6) + "des",
-      row("Y0", "0", "100"),
-      row("Y1", "10", "97"),
-      row("Y2", "20", "94"),
-      row("Y3", "30", "91"),
-      row("Y4", "40", "88"),
-      "",  // after the fifth period
-      row("Y5", "50", "85"),
-      row("1996", "60", ""),  // no control in the last period
-      "",
-      "  Criterion QLP =" + blanks(3) + " " + padLeft("12346", 8),
-  };
-  EXPECT_EQ(linesOf(renderResultsText(c.model, c.store, 770)), expected);
-  // 0 means no format chosen yet: the same table.
-  EXPECT_EQ(linesOf(renderResultsText(c.model, c.store, 0)), expected);
-}
-
-TEST(ResultsTable, OneMethodWithDesiredPathsInFormat778) {
-  TinyCase c;
-  const std::string b12 = blanks(12);
-  auto row = [&](const std::string& period, const std::string& x, const std::string& u) {
-    std::string line = period + blanks(10 - period.size()) + cell(x, 10) + cell("5.00", 10);
-    if (u.empty()) return line.substr(0, line.size() - 1);
-    return line + b12 + cell(u, 10) + " " + padLeft("2.00", 10);
-  };
-  const std::vector<std::string> expected = {
-      "States    " + std::string(" S1 ") + blanks(20) + "Controls" + blanks(4) + " C1",
-      blanks(10) + " opt" + blanks(8) + "des" + blanks(21) + " opt" + blanks(8) + "des",
-      row("Y0", "0.25", "100.10"),
-      row("Y1", "10.25", "97.10"),
-      row("Y2", "20.25", "94.10"),
-      row("Y3", "30.25", "91.10"),
-      row("Y4", "40.25", "88.10"),
-      "",
-      row("Y5", "50.25", "85.10"),
-      row("1996", "60.25", ""),
-      "",
-      "  Criterion QLP =" + blanks(3) + " " + padLeft("12345.68", 10),
-  };
-  EXPECT_EQ(linesOf(renderResultsText(c.model, c.store, 778)), expected);
+  for (int format : {770, 778}) {
+    const std::string file = "results_table_" + std::to_string(format) + ".txt";
+    const std::vector<std::string> expected = linesOf(testing::slurp(testing::dataPath(file)));
+    ASSERT_FALSE(expected.empty()) << file;
+    EXPECT_EQ(linesOf(renderResultsText(c.model, c.store, format)), expected) << format;
+  }
+  // 0 means no format chosen yet: the table of the default format.
+  EXPECT_EQ(renderResultsText(c.model, c.store, 0), renderResultsText(c.model, c.store, 770));
 }
 
 TEST(ResultsTable, WithoutDesiredPathsOneMethodHasBlankLabelCells) {

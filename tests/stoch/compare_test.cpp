@@ -33,32 +33,21 @@ Model learningModel(int policy = opt::kPolicyNo) {
   shape.terminalPeriod = 6;
   shape.flags.policyToParam = policy;
   Model model = testing::makeModel(shape, opt::kParameterUncertainty);
-  set(model, MatrixId::A, 0, 0, 0.8);
-  set(model, MatrixId::A, 0, 1, 0.1);
-  set(model, MatrixId::A, 1, 1, 0.7);
-  set(model, MatrixId::B, 0, 0, 0.5);
-  set(model, MatrixId::B, 1, 0, 0.2);
-  set(model, MatrixId::C, 0, 0, 0.3);
-  set(model, MatrixId::Z, 0, 0, 1.0);
-  set(model, MatrixId::X0, 0, 0, 1.0);
-  set(model, MatrixId::X0, 1, 0, -0.5);
-  set(model, MatrixId::W, 0, 0, 1.0);
-  set(model, MatrixId::W, 1, 0, 0.5);
-  set(model, MatrixId::LAMBDA, 0, 0, 0.2);
-  set(model, MatrixId::XDES, 0, 0, 2.0);
-  set(model, MatrixId::Q, 0, 0, 0.01);
-  set(model, MatrixId::Q, 1, 1, 0.02);
-  set(model, MatrixId::TH0, 0, 0, 0.5);
-  set(model, MatrixId::SITT0, 0, 0, 0.04);
-  set(model, MatrixId::ITHN, 0, 0, 1);
-  set(model, MatrixId::ITHN, 0, 1, 1);
-  set(model, MatrixId::ITHN, 0, 2, 1);
-  set(model, MatrixId::G, 0, 0, -0.4);
-  set(model, MatrixId::G, 0, 1, -0.1);
-  set(model, MatrixId::g, 0, 0, 0.6);
-  model.matrix(MatrixId::ITHN)->setCell(0, 0, "1");
-  model.matrix(MatrixId::ITHN)->setCell(0, 1, "1");
-  model.matrix(MatrixId::ITHN)->setCell(0, 2, "1");
+  struct Cell {
+    MatrixId id;
+    int r, c;
+    double v;
+  };
+  const Cell cells[] = {
+      {MatrixId::A, 0, 0, 0.8},    {MatrixId::A, 0, 1, 0.1},      {MatrixId::A, 1, 1, 0.7},
+      {MatrixId::B, 0, 0, 0.5},    {MatrixId::B, 1, 0, 0.2},      {MatrixId::C, 0, 0, 0.3},
+      {MatrixId::Z, 0, 0, 1.0},    {MatrixId::X0, 0, 0, 1.0},     {MatrixId::X0, 1, 0, -0.5},
+      {MatrixId::W, 0, 0, 1.0},    {MatrixId::W, 1, 0, 0.5},      {MatrixId::LAMBDA, 0, 0, 0.2},
+      {MatrixId::XDES, 0, 0, 2.0}, {MatrixId::Q, 0, 0, 0.01},     {MatrixId::Q, 1, 1, 0.02},
+      {MatrixId::TH0, 0, 0, 0.5},  {MatrixId::SITT0, 0, 0, 0.04}, {MatrixId::G, 0, 0, -0.4},
+      {MatrixId::G, 0, 1, -0.1},   {MatrixId::g, 0, 0, 0.6}};
+  for (const Cell& e : cells) set(model, e.id, e.r, e.c, e.v);
+  for (int c = 0; c < 3; ++c) model.matrix(MatrixId::ITHN)->setCell(0, c, "1");  // B(1, 1)
   model.randomSwitches.uncertainParameters = 1;
   model.randomSwitches.systemEquations = 1;
   return model;

@@ -7,23 +7,20 @@
 #include <bitset>
 #include <cmath>
 #include <limits>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "io/debug_file.h"
 #include "solve/system_forms.h"
+#include "support/debug_labels.h"
+#include "support/mat.h"
 #include "support/temp_dir.h"
+#include "support/test_data.h"
 
 namespace ovaro {
 namespace {
 
-Mat column(std::initializer_list<double> v) {
-  Mat c = mat2(1, static_cast<int>(v.size()), 1, 1);
-  int i = 1;
-  for (double x : v) c(i++, 1) = x;
-  return c;
-}
+using testing::colMat;
 
 Mat rows(int r, int c, std::initializer_list<double> v) {
   Mat a = mat2(1, r, 1, c);
@@ -42,17 +39,17 @@ std::bitset<kSolveTopicCount> topics(std::initializer_list<SolveTopic> list) {
 // The labels of a debug file in order, consecutive repeats counted once.
 std::vector<std::string> labels(const std::string& content) {
   std::vector<std::string> out;
-  std::istringstream in(content);
-  std::string line;
-  while (std::getline(in, line)) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    if (line.empty() || line.rfind("   ", 0) == 0) continue;
-    const std::size_t b = line.find_first_not_of(' ');
-    const std::size_t e = line.find_last_not_of(' ');
-    std::string label = line.substr(b, e - b + 1);
-    if (out.empty() || out.back() != label) out.push_back(label);
-  }
+  for (std::string& l : testing::debugLabels(content))
+    if (out.empty() || out.back() != l) out.push_back(std::move(l));
   return out;
+}
+
+std::vector<std::string> expected(const std::string& section) {
+  return testing::dataSection("one_period.txt", section);
+}
+
+std::string warning(std::size_t i) {
+  return expected("warnings").at(i);
 }
 
 // Runs `body` with a debug file whose topics are `on`, and returns what it wrote.
@@ -68,12 +65,10 @@ std::string traced(std::bitset<kSolveTopicCount> on, Body body) {
   return testing::slurp(path);
 }
 
-using Labels = std::vector<std::string>;
-
 TEST(CompUOnePeriod, AppliesTheFeedbackRuleAndLabelsTheHcfrRuns) {
   const Mat g = rows(2, 2, {0.5, -1.0, 2.0, 0.25});
-  const Mat glc = column({0.1, -0.3});
-  const Mat xk = column({2.0, 4.0});
+  const Mat glc = colMat({0.1, -0.3});
+  const Mat xk = colMat({2.0, 4.0});
   Mat uk = mat2(1, 2, 1, 1);
   PeriodContext ctx;
   CompUOnePeriod(2, 2, g, glc, xk, uk, ctx, SolveTrace());
@@ -84,9 +79,7 @@ TEST(CompUOnePeriod, AppliesTheFeedbackRuleAndLabelsTheHcfrRuns) {
   const std::string content =
       traced(topics({SolveTopic::StatesControlsIntermediate}),
              [&](const SolveTrace& t) { CompUOnePeriod(2, 2, g, glc, xk, uk, ctx, t); });
-  EXPECT_EQ(labels(content),
-            (Labels{"xk in CompUOnePeriod", "g in CompUOnePeriod", "glc in CompUOnePeriod",
-                    "gx in CompUOnePeriod/HCFR", "uk in CompUOnePeriod/HCFR"}));
+  EXPECT_EQ(labels(content), expected("CompUOnePeriod/HCFR"));
 }
 
 struct TrueSystem {
@@ -97,8 +90,8 @@ struct TrueSystem {
   Mat h = rows(1, 2, {1.0, 3.0});
   Mat xsis = mat2(1, 2, 0, 2);
   Mat zetas = mat2(1, 1, 1, 3);
-  Mat xk = column({4.0, 1.0});
-  Mat uk = column({0.5});
+  Mat xk = colMat({4.0, 1.0});
+  Mat uk = colMat({0.5});
   TrueSystem() {
     for (int t = 0; t <= 2; ++t) {
       ctruetv(1, t) = 10.0 * (t + 1), ctruetv(2, t) = -100.0 * (t + 1);
@@ -126,8 +119,8 @@ TEST(CompXOnePeriod, AddsTheConstantAndTheNoiseBeforeTheControlTermAndTheStateTe
   s.n = 1;
   s.atrue = rows(1, 1, {1e16});
   s.btrue = rows(1, 1, {-1e16});
-  s.xk = column({1.0});
-  s.uk = column({1.0});
+  s.xk = colMat({1.0});
+  s.uk = colMat({1.0});
   s.ctruetv(1, 0) = 0.5;
   s.xsis(1, 0) = 0.5;
   s.h = rows(1, 1, {1.0});
@@ -149,11 +142,9 @@ TEST(CompXOnePeriod, LabelsEndInTheRoutineOrItsHcfrVariant) {
           CompXOnePeriod(s.n, s.m, s.nt, s.ny, 0, s.atrue, s.btrue, s.ctruetv, s.h, s.xsis, s.zetas,
                          s.xk, s.uk, xk1, y, ctx, t);
         });
-    const std::string in = hcfr ? " in CompXOnePeriod/HCFR" : " in CompXOnePeriod";
-    Labels expected;
-    for (const char* v : {"ax", "bu", "ctrue", "xsi", "xk1", "h", "zetas", "zeta", "xhk1", "y"})
-      expected.push_back(v + in);
-    EXPECT_EQ(labels(content), expected);
+    std::vector<std::string> want = expected("CompXOnePeriod");
+    for (std::string& l : want) l += hcfr ? "/HCFR" : "";
+    EXPECT_EQ(labels(content), want);
   }
   // Other topics leave the one-period simulation out.
   EXPECT_EQ(traced(topics({SolveTopic::StatesControlsFinal, SolveTopic::TrueParametersFinal}),
@@ -182,11 +173,7 @@ TEST(CompXOnePeriodForw, AddsTheExpectedLeadStates) {
   EXPECT_EQ(xk1(1, 1), 2.25 + (0.5 + ((20.0 + 10.0) + 0.25)));
   EXPECT_EQ(xk1(2, 1), -2.0 + (-1.0 + ((-200.0 + 3.0) - 0.125)));
   EXPECT_EQ(y(1, 1), xk1(1, 1) + 3.0 * xk1(2, 1) + 2000.0);
-  Labels expected;
-  for (const char* v : {"ctruetv", "ax", "bu", "ctrue", "xsi", "d2xek2", "d3xek3", "dxesum", "xk1",
-                        "h", "zetas", "zeta", "xhk1", "y"})
-    expected.push_back(std::string(v) + " in CompXOnePeriodForw");
-  EXPECT_EQ(labels(content), expected);
+  EXPECT_EQ(labels(content), expected("CompXOnePeriodForw"));
 }
 
 // Two parameters, two controls, horizon 3.
@@ -195,7 +182,7 @@ struct ParameterPath {
   Mat thetatrue = mat2(1, 2, 0, 3);
   Mat etas = mat2(1, 2, 0, 2);
   Mat us = mat2(1, 2, 0, 2);
-  Mat uk = column({3.0, 1.5});
+  Mat uk = colMat({3.0, 1.5});
   Mat npolicy = rows(2, 2, {1.0, 0.5, 0.0, 2.0});
   ParameterPath() {
     thetatrue(1, 0) = 0.8, thetatrue(2, 0) = -0.4;
@@ -247,20 +234,8 @@ TEST(CompThetaTrueOnePeriod, WithoutThePolicyEffectTheParametersWalkAndNIsNotRea
   EXPECT_EQ(p.thetatrue(1, 2), 0.6 + 0.02);
   EXPECT_EQ(p.thetatrue(2, 2), 1.2 - 0.04);
   EXPECT_FALSE(ctx.divisionWarning);
-  EXPECT_EQ(labels(content),
-            (Labels{"uk in CompThetaTrueOnePeriod", "us in CompThetaTrueOnePeriod",
-                    "eta in CompThetaTrueOnePeriod", "thetak in CompThetaTrueOnePeriod",
-                    "thetak1 in CompThetaTrueOnePeriod", "thetatrue in CompThetaTrueOnePeriod"}));
+  EXPECT_EQ(labels(content), expected("CompThetaTrueOnePeriod without the policy effect"));
 }
-
-const char* kMonteCarloWarning =
-    "\r\n\r\n\r\nWarning!  In subr CompThetaTrueOnePeriod - division \r\n"
-    "by a very small number in ukpercent calculation for \r\n"
-    "policy-to-param with method OLF\r\n"
-    "in Monte Carlo run 7\r\n"
-    "at time period 1\r\n"
-    "for control variable 2\r\n"
-    "ukpercent set to 99999.0\r\n";
 
 TEST(CompThetaTrueOnePeriod, ZeroPreviousControlIsReplacedAndReported) {
   ParameterPath p;
@@ -275,7 +250,7 @@ TEST(CompThetaTrueOnePeriod, ZeroPreviousControlIsReplacedAndReported) {
               1);
   });
   EXPECT_TRUE(ctx.divisionWarning);
-  EXPECT_EQ(content, kMonteCarloWarning);
+  EXPECT_EQ(content, warning(0));
   // ukpercent = (0.5, 99999); plc = (0.25 + 49999.5, 199998): the run goes on with the jump.
   EXPECT_EQ(p.thetatrue(1, 2), (0.6 + 50000.0 * 0.6) + 0.02);
   EXPECT_EQ(p.thetatrue(2, 2), (1.2 + 199998.0 * 1.2) - 0.04);
@@ -299,10 +274,7 @@ TEST(CompThetaTrueOnePeriod, SingleSolvesWriteTheShortWarning) {
     CompThetaTrueOnePeriod(ctx, p.np, p.m, p.nt, 1, 1, p.uk, p.us, p.npolicy, p.etas, p.thetatrue,
                            t);
   });
-  EXPECT_EQ(content,
-            "\r\n\r\n\r\nWarning!  In subr CompThetaTrueOnePeriod - division \r\n"
-            "by a very small number in ukpercent calculation for \r\n"
-            "policy-to-param.  ukpercent set to 99999.0\r\n\r\n");
+  EXPECT_EQ(content, warning(1));
   // Without a debug file the flag is still set.
   PeriodContext quiet;
   ParameterPath q;
@@ -332,11 +304,7 @@ TEST(CompThetaTrueOnePeriod, LabelsWithThePolicyEffect) {
         CompThetaTrueOnePeriod(ctx, p.np, p.m, p.nt, 1, 1, p.uk, p.us, p.npolicy, p.etas,
                                p.thetatrue, t);
       });
-  Labels expected;
-  for (const char* v : {"uk", "us", "ukpercent", "npolicyparm", "plc", "puc", "eta", "thetak",
-                        "pucthetak", "thetak1"})
-    expected.push_back(std::string(v) + " in CompThetaTrueOnePeriod");
-  EXPECT_EQ(labels(content), expected);
+  EXPECT_EQ(labels(content), expected("CompThetaTrueOnePeriod with the policy effect"));
 }
 
 TEST(TrueParameterEvolution, RebuildsTheTrueSystemFromTheNewParameters) {
@@ -368,14 +336,12 @@ TEST(TrueParameterEvolution, RebuildsTheTrueSystemFromTheNewParameters) {
     EXPECT_EQ(ctruetv(2, t), -3.0);
   }
   EXPECT_TRUE(prompter.messages().empty());
-  EXPECT_EQ(labels(content),
-            (Labels{"thetatrue in CompThetaTrueOnePeriod", "atrue in TrueParameterEvolution",
-                    "btrue in TrueParameterEvolution", "ctruetv in TrueParameterEvolution"}));
+  EXPECT_EQ(labels(content), expected("TrueParameterEvolution"));
 }
 
 TEST(CompPolicyParmEffect, AddsTheKnownEffectOfTheTrueParametersToTheEstimate) {
   ParameterPath p;
-  Mat thk1k1 = column({0.3, -0.7});
+  Mat thk1k1 = colMat({0.3, -0.7});
   PeriodContext ctx;
   const std::string content =
       traced(topics({SolveTopic::TrueParametersIntermediate, SolveTopic::TrueParametersFinal}),
@@ -387,14 +353,10 @@ TEST(CompPolicyParmEffect, AddsTheKnownEffectOfTheTrueParametersToTheEstimate) {
   // plc = (-0.75, -5) as above, applied to thetatrue(:, 1) = (0.6, 1.2).
   EXPECT_EQ(thk1k1(1, 1), 0.3 + -0.75 * 0.6);
   EXPECT_EQ(thk1k1(2, 1), -0.7 + -5.0 * 1.2);
-  Labels expected;
-  for (const char* v : {"uk", "ukpercent", "npolicyparm", "plc", "puc", "thetatrue", "thktrue",
-                        "pucthetak", "thk1k1"})
-    expected.push_back(std::string(v) + " in CompPolicyParmEffect");
-  EXPECT_EQ(labels(content), expected);
+  EXPECT_EQ(labels(content), expected("CompPolicyParmEffect"));
 
   // Period 0: nothing to add.
-  Mat start = column({0.3, -0.7});
+  Mat start = colMat({0.3, -0.7});
   CompPolicyParmEffect(ctx, 0, p.np, p.m, p.nt, p.uk, p.us, p.npolicy, p.thetatrue, start,
                        SolveTrace());
   EXPECT_EQ(start(1, 1), 0.3);
@@ -405,7 +367,7 @@ TEST(CompPolicyParmEffect, WritesItsOwnWarnings) {
   for (int run : {0, 4}) {
     ParameterPath p;
     p.us(1, 0) = 0.0;
-    Mat thk1k1 = column({0.3, -0.7});
+    Mat thk1k1 = colMat({0.3, -0.7});
     PeriodContext ctx;
     ctx.run = run;
     ctx.method = "OLIN";
@@ -413,17 +375,7 @@ TEST(CompPolicyParmEffect, WritesItsOwnWarnings) {
       CompPolicyParmEffect(ctx, 1, p.np, p.m, p.nt, p.uk, p.us, p.npolicy, p.thetatrue, thk1k1, t);
     });
     EXPECT_TRUE(ctx.divisionWarning);
-    const std::string head =
-        "\r\n\r\n\r\nWarning!  In subr CompPolicyParmEffect - division \r\n"
-        "by a very small number in ukpercent calculation for \r\n";
-    if (run == 0) {
-      EXPECT_EQ(content, head + "policy-to-param. ukpercent set to 99999.0\r\n\r\n");
-    } else {
-      EXPECT_EQ(content, head +
-                             "policy-to-param with method OLIN\r\nin Monte Carlo run 4\r\n"
-                             "at time period 1\r\nfor control variable 1\r\n"
-                             "ukpercent set to 99999.0\r\n");
-    }
+    EXPECT_EQ(content, warning(run == 0 ? 2 : 3));
     // ukpercent = (99999, -2.5): plc = (99999 - 1.25, -5).
     EXPECT_EQ(thk1k1(1, 1), 0.3 + 99997.75 * 0.6);
     EXPECT_EQ(thk1k1(2, 1), -0.7 + -5.0 * 1.2);

@@ -34,6 +34,7 @@
 #include "solve/drivers.h"
 #include "stoch/compare.h"
 #include "support/temp_dir.h"
+#include "support/test_data.h"
 #include "ui/dialogs/spec_dialogs.h"
 #include "ui/menu_table.h"
 #include "ui/qt_app.h"
@@ -86,106 +87,15 @@ struct Harness {
   std::function<int(QDialog&)> fill;
 };
 
-// Every command of the menu bar with its label, as the workbench must offer them.
-const std::vector<std::pair<int, std::string>> kCommands = {
-    {21, "&New"},
-    {22, "&Open..."},
-    {23, "Import: QLP"},
-    {24, "Import: VELD"},
-    {2800, "System Equations"},
-    {2808, "Criterion"},
-    {2816, "Additive Noise"},
-    {2824, "Parameter Uncertainty"},
-    {2832, "Measurement Error"},
-    {2840, "Handcrafted Feedback Rule"},
-    {160, "Export: QLP"},
-    {165, "Export: VELD"},
-    {25, "&Save"},
-    {26, "Save &As..."},
-    {27, "&Print..."},
-    {28, "Clear"},
-    {29, "E&xit"},
-    {40, "&Undo\tCtrl+Z"},
-    {41, "Cu&t\tCtrl+X"},
-    {42, "&Copy\tCtrl+C"},
-    {43, "&Paste\tCtrl+V"},
-    {44, "De&lete\tDel"},
-    {45, "&Select All"},
-    {51, "Name"},
-    {52, "Description"},
-    {53, "Stochastic Terms"},
-    {54, "Functional Forms"},
-    {55, "Source of Random Terms"},
-    {57, "Options: Monte Carlo"},
-    {65, "&Size"},
-    {70, "&Acronyms"},
-    {71, "System &Equations"},
-    {75, "&Criterion Function"},
-    {76, "Additive Noise Terms"},
-    {77, "Parameter Uncertainty"},
-    {78, "Measurement Error Terms"},
-    {79, "&Handcrafted Feedback Rule"},
-    {80, "Policy to Parameter Effect"},
-    {133, "&QLP"},
-    {134, "Q&LP: Print"},
-    {135, "&OLF  (w/o update)"},
-    {136, "OLF  (w/o update):  Print"},
-    {137, "&Compare"},
-    {138, "Co&mpare: Print"},
-    {205, "Parameter Updating"},
-    {140, "   Deterministic"},
-    {141, "   Stochastic w/o Updating"},
-    {142, "   Stochastic with Updating"},
-    {143, "   Stochastic with Meas Error"},
-    {210, "Parameter Updating w Debug Print"},
-    {145, "   Deterministic"},
-    {146, "   Stochastic w/o Updating"},
-    {147, "   Stochastic with Updating"},
-    {148, "   Stochastic with Meas Error"},
-    {150, "Plot: Single Run"},
-    {154, "Plot: Scenarios"},
-    {4100, "Plot: Spread over Runs"},
-    {4104, "Criterion Summary"},
-    {156, "Display"},
-    {158, "Print"},
-    {224, "Functional Form"},
-    {225, "Stochastic Terms"},
-    {226, "Size"},
-    {86, "W - Constant to Terminal Different"},
-    {88, "W - Constant to Time Varying"},
-    {90, "W - Time Varying to Constant"},
-    {92, "Lambda - Constant to Time Varying"},
-    {94, "Lambda - Time Varying to Constant"},
-    {96, "X Desired  - Constant to Time Varying"},
-    {98, "U Desired - Constant to Time Varying"},
-    {81, "Z - Constant toTime Varying"},
-    {100, "Deterministic to Stoch w Additive Noise"},
-    {102, "Deterministic to Stoch w Para Uncer"},
-    {103, "Stoch w Additive Noise to Stoch w Para Uncer"},
-    {104, "Stoch w Para Uncer to Stoch w Meas Error"},
-    {106, "Stoch w Meas Error to Deterministic"},
-    {108, "Add a State Variable"},
-    {112, "Add a Control Variable"},
-    {114, "Add an Exogenous Variable"},
-    {115, "Add an Observation Variable"},
-    {116, "Add an Uncertain Parameter"},
-    {121, "Delete a State Variable"},
-    {118, "Delete a Control Variable"},
-    {119, "Delete an Exogenous Variable"},
-    {120, "Delete an Observation Variable"},
-    {122, "Delete an Uncertain Parameter"},
-    {123, "Change Terminal Period"},
-    {167, "&Results.."},
-    {2900, "Import Matrix Columns"},
-    {2916, "Ask scenario question after solution?"},
-    {2908, "Debug Print for Imported Matrices"},
-    {168, "Warning Messages"},
-    {169, "Caution Experiment ..."},
-    {2912, "Seed for Monte Carlo Generator"},
-    {170, "&Font..."},
-    {180, "&Help"},
-    {190, "&About Ovaro.."},
-};
+// Every command of the menu bar with its label (tests/data/menu_commands.txt).
+std::vector<std::pair<int, std::string>> commands() {
+  std::vector<std::pair<int, std::string>> out;
+  for (const std::string& line : testing::dataLines("menu_commands.txt")) {
+    const std::size_t blank = line.find(' ');
+    out.emplace_back(std::stoi(line.substr(0, blank)), line.substr(blank + 1));
+  }
+  return out;
+}
 
 // All actions reachable from the menu bar, cascades included.
 void collectActions(QMenu* menu, std::vector<QAction*>& out) {
@@ -205,6 +115,8 @@ TEST(MainWindowCommands, EveryCommandHasItsMenuItemLabelAndHandler) {
   std::set<int> menuIds;
   for (QAction* a : inMenus) menuIds.insert(a->data().toInt());
 
+  const auto kCommands = commands();
+  ASSERT_GT(kCommands.size(), 90u);
   for (const auto& [id, label] : kCommands) {
     SCOPED_TRACE(id);
     EXPECT_TRUE(h.window->handles(id));
@@ -364,6 +276,7 @@ TEST(MainWindowFile, SavePromptOnClose) {
     ASSERT_EQ(h.prompter.fileRequests().size(), 1u);
     EXPECT_EQ(h.prompter.fileRequests()[0].kind, FileRequest::Kind::Save);
     EXPECT_EQ(h.prompter.fileRequests()[0].filters[0].label, "OVARO Files (*.ovi)");
+    EXPECT_EQ(h.prompter.fileRequests()[0].filters[0].pattern, "*.ovi");
     // Cancel at the prompt keeps the window too; No lets it close.
     h.prompter.scriptAnswer(Answer::Cancel);
     EXPECT_FALSE(h.window->close());

@@ -14,6 +14,7 @@
 #include "results/results_table.h"
 #include "support/model_fixtures.h"
 #include "support/solution_fixtures.h"
+#include "support/test_data.h"
 #include "ui/qt_app.h"
 
 namespace ovaro::ui {
@@ -26,6 +27,13 @@ IdLabels buttonsOf(const QButtonGroup* group) {
   for (QAbstractButton* b : group->buttons()) {
     out.emplace_back(group->id(b), b->text().toStdString());
   }
+  return out;
+}
+
+IdLabels expected(const std::string& section) {
+  IdLabels out;
+  for (const std::string& line : testing::dataSection("results_dialogs.txt", section))
+    out.emplace_back(std::stoi(line), line.substr(line.find(' ') + 1));
   return out;
 }
 
@@ -44,24 +52,7 @@ TEST(ResultsDisplayOptions, OffersEveryDisplayAndStoresAClickAtOnce) {
   EXPECT_EQ(dialog.objectName(), "DISPLAYS");
   EXPECT_EQ(dialog.windowTitle(), "Display Options");
 
-  const IdLabels expected{{3300, "QLP"},
-                          {3304, "OLF w/o updated coef"},
-                          {3308, "HCFR"},
-                          {3312, "CE"},
-                          {3316, "CEWO (CE w/o update)"},
-                          {3320, "OLF"},
-                          {3324, "OLIN (OLF with insight)"},
-                          {3328, "HCFR-CE"},
-                          {3332, "CE-CEWO"},
-                          {3336, "CE-OLF"},
-                          {3340, "CE-OLIN"},
-                          {3344, "CEWO-OLF"},
-                          {3348, "CEWO-OLIN"},
-                          {3352, "OLF-OLIN"},
-                          {3356, "HCFR-CE-OLF"},
-                          {3360, "CE-OLF-OLIN"},
-                          {3364, "CEWO-OLF-OLIN"}};
-  EXPECT_EQ(buttonsOf(dialog.displays()), expected);
+  EXPECT_EQ(buttonsOf(dialog.displays()), expected("displays"));
   EXPECT_TRUE(dialog.displays()->exclusive());
 
   // Opening shows the stored choice and flags.
@@ -116,11 +107,7 @@ TEST(ResultsPreferences, OpensWithTheStoredChoices) {
     ResultsPreferencesDialog dialog(prefs, format);
     EXPECT_EQ(dialog.objectName(), "PrefResults");
     EXPECT_EQ(dialog.windowTitle(), "Preferences for Results");
-    const IdLabels formats{
-        {770, "00."},       {774, "00.0"},          {778, "00.00"},
-        {782, "00.000"},    {784, "00.0000"},       {785, "0.0000E+000"},
-        {786, "0.00E+000"}, {790, "0.000000E+000"}, {795, "Floating or Exponential"}};
-    EXPECT_EQ(buttonsOf(dialog.formats()), formats);
+    EXPECT_EQ(buttonsOf(dialog.formats()), expected("formats"));
     EXPECT_EQ(buttonsOf(dialog.orientation()), (IdLabels{{3450, "Rows"}, {3454, "Columns"}}));
     EXPECT_EQ(dialog.formats()->checkedId(), 770);
     EXPECT_EQ(format, 0);  // shown, not stored

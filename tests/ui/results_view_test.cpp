@@ -198,68 +198,6 @@ TEST(ResultsPlacement, EveryCellIsPlacedExactlyOnce) {
   }
 }
 
-TEST(ResultsPlacement, TwoMethodsInAWideFormat) {
-  // HCFR beside CE with desired paths, format 790 (17 characters); character width 8, line 20.
-  const Model model = viewModel(2, 1, 1, 4);  // periods 0..3
-  ResultsStore store;
-  store.store(solved("HCFR", 2, 1, 3, 1.0));
-  store.store(solved("CE", 2, 1, 3, -1.0));
-  store.display.selector = 3328;
-  store.display.desiredPaths = true;
-  const std::optional<ResultsTable> table = layoutResultsTable(model, store, 790);
-  ASSERT_TRUE(table);
-  const ResultsPlacement p = placeResults(*table, ResultsMetrics{20, 8});
-
-  // A column is 17 x 8 = 136 pixels. The table window starts at (80, 45); the first body line is
-  // at 20 + 10 + 40 = 70 in the combined frame, 25 in the window.
-  EXPECT_EQ(p.tableOrigin, QPoint(80, 45));
-  EXPECT_EQ(xOf(p.table, " 1.000000E+02 ", 25), 10);            // S1 by HCFR
-  EXPECT_EQ(xOf(p.table, " -1.000000E+02 ", 25), 10 + 136);     // S1 by CE
-  EXPECT_EQ(xOf(p.table, " 7.000000E+00 ", 25), 10 + 272);      // S1 desired
-  EXPECT_EQ(xOf(p.table, " 2.010000E+02 ", 45), 10 + 3 * 136);  // S2 by HCFR in period 1
-  EXPECT_EQ(xOf(p.columnHeadings, "HCFR", 22), 112);
-  EXPECT_EQ(xOf(p.columnHeadings, "CE", 22), 112 + 136);
-  EXPECT_EQ(xOf(p.columnHeadings, "des", 22), 112 + 272);
-  EXPECT_EQ(xOf(p.columnHeadings, " S2 ", 2), 112 + 3 * 136);
-  // One criterion line per method, the second right below the first; values 160 pixels in.
-  const int first = 25 + 5 * 20;  // blocks on lines 0..3, a blank line, then the criteria
-  EXPECT_EQ(xOf(p.table, "  Criterion HCFR =", first), 0);
-  EXPECT_EQ(xOf(p.table, " 4.321000E+03 ", first), 160);
-  EXPECT_EQ(xOf(p.table, "  Criterion CE =", first + 20), 0);
-  EXPECT_EQ(xOf(p.table, " -4.321000E+03 ", first + 20), 160);
-}
-
-TEST(ResultsPlacement, PeriodsAsColumnsWidenTheRowHeadings) {
-  const ResultsTable table = qlpTable(1, 1, 6, 770, false);
-  ASSERT_FALSE(table.periodsAsRows);
-  const ResultsPlacement p = placeResults(table, kMetrics);
-  // "Time Periods" is the widest row-slot text (12 characters), so the slot is 13 characters:
-  // 5 + 13 x 7 = 96 pixels, and the first value column 10 pixels further, at 106.
-  ASSERT_EQ(table.rowHeadingWidth, 13);
-  EXPECT_EQ(p.rowHeadingWidth, 96);
-  EXPECT_EQ(p.tableOrigin, QPoint(96, 37));
-  // The period headings over the columns: period t in column t (+1 after the fifth), 22 pixels
-  // right of the column's start.
-  EXPECT_EQ(xOf(p.columnHeadings, "Time Periods", 2), 22);
-  EXPECT_EQ(xOf(p.columnHeadings, "Time", 18), 22);
-  EXPECT_EQ(xOf(p.columnHeadings, " Y0 ", 2), 128);
-  EXPECT_EQ(xOf(p.columnHeadings, " 0 ", 18), 128);
-  EXPECT_EQ(xOf(p.columnHeadings, " Y5 ", 2), 128 + 6 * 70);
-  EXPECT_EQ(xOf(p.columnHeadings, " 5 ", 18), 128 + 6 * 70);
-  // Lines: "States", S1 opt, S1 des, "Controls", C1 opt, C1 des, in the row-heading window.
-  const std::vector<PlacedText> rows{{5, 21, "States"},   {5, 37, "S1 opt"}, {5, 53, "S1 des"},
-                                     {5, 69, "Controls"}, {5, 85, "C1 opt"}, {5, 101, "C1 des"}};
-  EXPECT_EQ(sorted(p.rowHeadings), rows);
-  // x_1(t) on the "S1 opt" line, one column per period; u_1 on the "C1 opt" line.
-  EXPECT_EQ(xOf(p.table, numberCell("100", 8), 37), 10);
-  EXPECT_EQ(xOf(p.table, numberCell("104", 8), 37), 10 + 4 * 70);
-  EXPECT_EQ(xOf(p.table, numberCell("105", 8), 37), 10 + 6 * 70);
-  EXPECT_EQ(xOf(p.table, numberCell("49", 8), 85), 10 + 70);
-  // The criterion two lines below the last line, at the table window's edge.
-  EXPECT_EQ(xOf(p.table, "  Criterion QLP =", 21 + 7 * 16), 0);
-  EXPECT_EQ(xOf(p.table, numberCell("4321", 8), 21 + 7 * 16), 140);
-}
-
 TEST(ResultsPlacement, EmptyAndOddTables) {
   const ResultsPlacement empty = placeResults(ResultsTable{}, kMetrics);
   EXPECT_TRUE(empty.table.empty());

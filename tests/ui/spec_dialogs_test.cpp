@@ -4,11 +4,13 @@
 #include <QAbstractButton>
 #include <QButtonGroup>
 #include <QDialogButtonBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
 
 #include "model/options.h"
+#include "support/test_data.h"
 #include "ui/dialogs/acronym_window.h"
 #include "ui/dialogs/matrix_entry.h"
 #include "ui/dialogs/spec_dialogs.h"
@@ -47,6 +49,10 @@ TEST(SizeDialog, OkConvertsEveryFieldAndRecomputesPeriodsCancelWritesNothing) {
     Model model = sized(2, 1, 1, 1, 5);
     const Dimensions before = model.dims;
     SizeDialog dialog(model.dims);
+    QStringList captions;
+    for (const QLabel* l : dialog.findChildren<QLabel*>()) captions << l->text();
+    for (const std::string& c : testing::dataSection("option_dialogs.txt", "Size"))
+      EXPECT_TRUE(captions.contains(QString::fromStdString(c))) << c;
     type(dialog.field(303), "4");
     type(dialog.field(302), "x");
     type(dialog.field(309), "2001");
