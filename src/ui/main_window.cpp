@@ -110,17 +110,6 @@ FileRequest modelFileRequest(FileRequest::Kind kind) {
   return r;
 }
 
-// An example file is looked up in the working directory, then in its "examples" folder, where a
-// checkout keeps them.
-std::string findExampleFile(std::string_view fileName) {
-  namespace fs = std::filesystem;
-  std::error_code ec;
-  if (fs::exists(fs::path(fileName), ec)) return std::string(fileName);
-  const fs::path inExamples = fs::path("examples") / fileName;
-  if (fs::exists(inExamples, ec)) return inExamples.string();
-  return std::string(fileName);
-}
-
 constexpr const char* kExampleFailure =
     "Could not read file %s! See User's Guide \t\t\t\r chapter on The Example Library.  "
     "Alternatively, \t\t\t\r the following workaround will sometimes help: \t\t\t\r Select "
@@ -546,12 +535,9 @@ void MainWindow::exitProgram() {
 }
 
 void MainWindow::loadExample(int id) {
-  const ExampleEntry* entry = nullptr;
-  for (const ExampleEntry& e : exampleTable()) {
-    if (e.commandId == id) entry = &e;
-  }
+  const ExampleEntry* entry = exampleLibrary().row(id);
   if (entry == nullptr) return;
-  const std::string path = findExampleFile(entry->fileName);
+  const std::string path = exampleLibrary().filePath(*entry);
   if (readModelFile(path, wb_.model, prompter_) != 0) {
     // The title names the example, but the current file is not changed: a later Save writes to
     // the file last opened, or asks for a name.
