@@ -20,7 +20,6 @@
 #include <QStatusBar>
 #include <QTextCursor>
 #include <QTextDocument>
-#include <filesystem>
 
 #include "model/example_table.h"
 #include "model/model_file.h"
@@ -29,6 +28,7 @@
 #include "results/solve_commands.h"
 #include "results/stochastic_commands.h"
 #include "ui/description_dialog.h"
+#include "ui/dialogs/examples_browser.h"
 #include "ui/dialogs/matrix_entry.h"
 #include "ui/dialogs/model_commands.h"
 #include "ui/menu_table.h"
@@ -232,6 +232,9 @@ void MainWindow::buildMenus() {
     const int id = acc.id;
     connect(shortcut, &QShortcut::activated, this, [this, id] { dispatch(id); });
   }
+  // The example browser has no menu item of its own: Ctrl+E opens it.
+  auto* browse = new QShortcut(QKeySequence(QStringLiteral("Ctrl+E")), this);
+  connect(browse, &QShortcut::activated, this, [this] { dispatch(cmd::kExamplesBrowser); });
 }
 
 void MainWindow::onEditMenuAboutToShow() {
@@ -313,7 +316,7 @@ void MainWindow::registerCommands() {
     const int id = e.commandId;
     on(id, [this, id] { loadExample(id); });
   }
-  unavailable(cmd::kExamplesBrowser);
+  on(cmd::kExamplesBrowser, [this] { openExamplesBrowser(); });
   // Edit: the text area's own operations.
   on(cmd::kUndo, [this] { textArea_->undo(); });
   on(cmd::kCut, [this] { textArea_->cut(); });
@@ -544,10 +547,24 @@ void MainWindow::loadExample(int id) {
     setWindowTitle(QString::fromStdString(captionText(entry->fileName)) + "[*]");
     forgetResults();
     prompter_.inform(std::string(entry->description), "Model Loaded");
+    if (examplesBrowser_) examplesBrowser_->close();
     openDescription();
   } else {
     showFileMessage(kExampleFailure, std::string(entry->fileName));
+    if (examplesBrowser_) examplesBrowser_->close();
   }
+}
+
+void MainWindow::openExamplesBrowser() {
+  if (!examplesBrowser_) {
+    auto* browser = new ExamplesBrowser(
+        exampleLibrary(), [this](int id) { loadExample(id); }, this);
+    browser->setAttribute(Qt::WA_DeleteOnClose);
+    examplesBrowser_ = browser;
+  }
+  examplesBrowser_->show();
+  examplesBrowser_->raise();
+  update();
 }
 
 void MainWindow::openDescription() {
