@@ -228,8 +228,8 @@ def closed_economy():
          "Income starts 40 bn below its full-employment level of 1000 bn. The planner aims "
          "at full employment and a consumption level of 640 bn while keeping purchases near "
          "200 bn and taxes near 180 bn.",
-         "The example teaches the multiplier: a unit of purchases raises income at once, while a "
-         "tax cut works only through consumption."],
+         "The example teaches the multiplier: a unit of purchases raises next year's income "
+         "by a unit, while a tax cut works only through consumption, a year later."],
         first=2027,
         A=mat([[0, 1], [0.6, 0.2]]), B=mat([[1, 0], [0, -0.6]]), C=mat([[1], [0]]),
         Z=col([160]), X0=col([960, 615]), W=col([1, 0.5]), LAMBDA=col([0.4, 0.4]),
@@ -300,19 +300,21 @@ def closed_economy():
         [("YGAP", "Output gap, percent"), ("INFL", "Inflation, percent")],
         [("GSPEND", "Government spending, deviation"), ("TAXC", "Tax cut, deviation")],
         [("CONST", "Constant")], quarters(2027, 12),
-        ["A government that weighs the output gap heavily in the four quarters before an "
-         "election (quarter 6) and inflation heavily afterwards; the cost of using its two "
-         "fiscal instruments also changes: spending is cheap before the election and dear "
-         "after it.",
-         "Both W and Lambda are time varying. The result shows a spending boom before the "
-         "vote and a correction after it, the pattern of a political business cycle."],
+        ["A government that wants a boom in the four quarters before an election (quarter "
+         "6): it aims at an output gap of +1.5 then and weighs it heavily, and weighs "
+         "inflation heavily only afterwards. The cost of its two fiscal instruments changes "
+         "too: spending is cheap before the election and dear after it.",
+         "W, Lambda and the desired states are all time varying. The result shows a "
+         "spending boom before the vote and a correction after it, the pattern of a "
+         "political business cycle."],
         A=mat([[0.75, 0], [0.15, 0.8]]), B=mat([[0.5, 0.3], [0.05, 0.02]]),
-        C=mat([[0], [0.4]]), X0=col([-1.0, 2.0]),
+        C=mat([[0], [0.4]]), X0=col([0, 2.0]),
         WT=[["1", "1", "3", "3", "3", "3", "1", "1", "1", "1", "1", "1"],
             ["1", "1", "0.3", "0.3", "0.3", "0.3", "3", "3", "3", "3", "3", "3"]],
         LAMBDAT=[["0.5", "0.5", "0.1", "0.1", "0.1", "0.1", "1", "1", "1", "1", "1"],
                  ["0.5"] * 11],
-        XDES=col([0, 2]), forms=dict(w="414", **{"lambda": "416"}))
+        XDEST=[["0", "0", "1.5", "1.5", "1.5", "1.5", "0", "0", "0", "0", "0", "0"],
+               ["2"] * 12], forms=dict(w="414", **{"lambda": "416"}, xdes="418"))
     regul = model(
         "REGUL3", "Regulator around the steady state",
         [("YDEV", "Output, deviation from steady state"), ("PDEV", "Price level, deviation"),
@@ -463,8 +465,8 @@ def forward_looking():
          "the money stock and on the price levels expected one and two months ahead "
          "(forward variables, lead 2). The money stock grows by the chosen money growth.",
          "The planner wants prices to grow at 1 percent a month from 100 and money growth "
-         "near 1 percent. The example shows how an announced slowdown of money growth lowers "
-         "prices before money itself slows."],
+         "near 1 percent. The example shows how the prices expected for the coming months "
+         "feed back into today's price level."],
         A=mat([[0.3, 0.4], [0, 1]]), B=mat([[0.4], [1]]), C=mat([[0], [0]]), Z=col([0]),
         D1=mat([[0.2, 0], [0, 0]]), D2=mat([[0.1, 0], [0, 0]]), X0=col([100, 100]),
         W=col([1, 0]), LAMBDA=col([0.5]), XDEST=[path(100, 109, 10), path(100, 109, 10)],
@@ -577,7 +579,7 @@ def markets_and_firms():
         ["Farmers plant this year for last year's price, so a high price brings a large "
          "harvest and a low price next year: the cobweb cycle. An agency buys grain into a "
          "buffer stock (or sells from it, a negative purchase), which raises the price "
-         "today.",
+         "of the following year.",
          "The planner wants a price of 200 and a harvest of 50 with small stock movements. "
          "The example teaches how a buffer stock damps the cycle."],
         first=2027,
@@ -708,8 +710,8 @@ def growth():
          "or debt. Taxes lower output. The cost of public investment rises over time as the "
          "best projects are done first (Lambda time varying): its weight doubles over the "
          "twenty years.",
-         "The plan front-loads investment while it is cheap and then turns to debt "
-         "reduction."],
+         "Solve and see how the rising cost shapes the investment path, and how taxes bring "
+         "debt down by the end of the plan."],
         first=2027,
         A=mat([[0.7, 0.1, 0], [0, 0.95, 0], [0, 0, 1]]),
         B=mat([[0.2, -0.3], [1, 0], [1, -1]]), C=mat([[30], [0], [0]]), X0=col([100, 50, 60]),
@@ -786,7 +788,7 @@ def uncertainty():
         ["The policy maker thinks the output gap closes quickly (persistence 0.6, variance "
          "0.02), but in every run the true persistence is 0.9 (Certain But Different From "
          "Mean). The gap therefore stays open longer than planned, and the estimate of the "
-         "persistence rises as the runs go on.",
+         "persistence rises as the years go by.",
          "Compare CE and CEWO: learning the persistence pays."], x0=-3),
         [("APERS", "Persistence of the output gap", 0, 1, 1, 0.6, 0.02)], [0.05],
         switches=("0", "1", "0", "1", "0", "0"), true=[0.9])
@@ -827,8 +829,8 @@ def measurement():
         ["The spending multiplier is not only unknown but moves from year to year as a "
          "random walk (time-varying parameters): theta(t+1) = D theta(t) + eta with D = 1 "
          "and a variance of eta (GAM) of 0.005. The gap is observed with a small error.",
-         "Because the parameter keeps moving, the filter never becomes sure of it: its "
-         "variance settles at a positive level instead of falling to zero."]),
+         "Because the parameter keeps moving, the filter can never become sure of it: every "
+         "period adds the variance of eta to that of the estimate."]),
         [("BMULT", "Spending multiplier", 1, 1, 1, 0.5, 0.04)], [0.05],
         switches=("1", "0", "0", "1", "1", "1")),
         [("YREP", "Reported output gap, percent")], [[1]], [0.1], [0.1], gam=[0.005])
@@ -837,8 +839,8 @@ def measurement():
         [("INFL", "Inflation, percent"), ("EXRATE", "Exchange rate, percent deviation")],
         [("RATE", "Policy rate, percent")], [("CONST", "Constant")], quarters(2027, 8),
         ["How much of a depreciation passes into inflation changes over time: the "
-         "pass-through A(1,2) is believed 0.2 (variance 0.01) and drifts back towards a "
-         "steady level (D = 0.9) with shocks of variance 0.002 each quarter. The exchange "
+         "pass-through A(1,2) is believed 0.2 (variance 0.01) and fades: each quarter it "
+         "keeps nine tenths of its value (D = 0.9) and is hit by a shock of variance 0.002. The exchange "
          "rate is observed mixed with inflation news (H not the identity).",
          "A second time-varying-parameter example, with a parameter equation that is not a "
          "random walk."],
@@ -875,8 +877,8 @@ def policy_and_caution():
          "is uncertain (believed -0.3, variance 0.02), and it depends on policy itself: every "
          "point of the rate above neutral makes the central bank more credible and moves the "
          "parameter by 0.05 (policy-to-parameter effect, N).",
-         "OLIN sees this effect and OLF does not, so their policies differ: OLIN tightens "
-         "more at first to build credibility. Compare the two over 20 runs."],
+         "OLIN sees this effect and OLF does not, so their policies and criteria differ. "
+         "Compare the two over 20 runs."],
         A=mat([[0.8, 0.2], [0, 0.7]]), B=mat([[-0.3], [-0.5]]), C=mat([[0.4], [1]]),
         Z=col([1]), X0=col([5, 0]), W=col([1, 0.5]), LAMBDA=col([0.1]), XDES=col([2, 0]),
         UDES=col([2]), G=mat([[0.8, 0.5]]), forms=dict(policy="407"), N=mat([[-0.05]])),
