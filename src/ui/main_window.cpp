@@ -556,14 +556,10 @@ void MainWindow::loadExample(int id) {
 }
 
 void MainWindow::openExamplesBrowser() {
-  if (!examplesBrowser_) {
-    auto* browser = new ExamplesBrowser(
-        exampleLibrary(), [this](int id) { loadExample(id); }, this);
-    browser->setAttribute(Qt::WA_DeleteOnClose);
-    examplesBrowser_ = browser;
-  }
-  examplesBrowser_->show();
-  examplesBrowser_->raise();
+  ExamplesBrowser browser(
+      exampleLibrary(), [this](int id) { loadExample(id); }, this);
+  examplesBrowser_ = &browser;
+  runDialog(browser);
   update();
 }
 

@@ -139,7 +139,7 @@ class MainWindow : public QMainWindow {
   Workbench wb_;
   ShellState shell_;
   std::map<int, std::function<void()>> commands_;
-  QPointer<QDialog> examplesBrowser_;  // the example browser, while it is open
+  QPointer<QDialog> examplesBrowser_;  // the example browser, while it runs
   std::map<int, QAction*> actions_;
   DialogRunner dialogRunner_;
   std::unique_ptr<ModelCommands> modelCommands_;
