@@ -1,14 +1,19 @@
 #!/usr/bin/env python3
-"""Writes the example models of examples/ as version 321 model files.
+"""Writes the example library of examples/: the model files, the table examples.tsv that the
+workbench's Examples menu and browser and `ovaro-cli examples` read, and the library's README.
 
-The models are defined here as plain data and written field by field in the order of the model
-file, independently of the C++ writer, so that the reader's tests on these files check the reader
-against a second account of the format. Run from the project root:
+The models are defined as plain data (scripts/example_models.py) and written field by field in
+the order of the model file, independently of the C++ writer, so that the reader's tests on these
+files check the reader against a second account of the format. Run from the project root:
 
     python3 scripts/make_examples.py
 """
 
 import os
+import sys
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+import example_models  # noqa: E402
 
 HEADER = dict(version="321", maxLead="0", iterlim="20", tolerance="1.0E-06",
               policy="406", option450="450", option452="453", source="455", reserved="0",
@@ -17,17 +22,26 @@ HEADER = dict(version="321", maxLead="0", iterlim="20", tolerance="1.0E-06",
 STOCH_WORDS = {"1720": ["1", "0", "0", "0"], "1722": ["0", "1", "0", "0"],
                "1724": ["0", "0", "1", "0"], "1728": ["0", "0", "0", "1"]}
 
+# The cascades of the Examples menu, in menu order, and the table's columns.
+CASCADES = ("author", "country", "form", "stochastic", "subject")
+TABLE_HEADER = ["id", "file", "description", "author", "country", "functional form",
+                "stochastic terms", "subject"]
+
 
 def fields(m):
-    f = [HEADER["version"], m["acronym"], m["name"]]
-    f += [m["n"], m["m"], m["l"], m["initial"], m["terminal"], HEADER["maxLead"],
-          HEADER["iterlim"], HEADER["tolerance"], m.get("np", "0"), m.get("nmc", "0"),
-          m.get("ny", "0")]
     forms = m["forms"]
-    f += [forms["criterion"], "402", "404", HEADER["policy"], forms["z"], forms["w"],
-          forms["lambda"], forms["xdes"], forms["udes"]]
+    system = forms.get("system", "402")
+    forward = forms.get("forward", "404")
+    lead = int(m.get("maxLead", HEADER["maxLead"]))
+    f = [HEADER["version"], m["acronym"], m["name"]]
+    f += [m["n"], m["m"], m["l"], m["initial"], m["terminal"], m.get("maxLead", HEADER["maxLead"]),
+          m.get("iterlim", HEADER["iterlim"]), m.get("tolerance", HEADER["tolerance"]),
+          m.get("np", "0"), m.get("nmc", "0"), m.get("ny", "0")]
+    f += [forms["criterion"], system, forward, forms.get("policy", HEADER["policy"]), forms["z"],
+          forms["w"], forms["lambda"], forms["xdes"], forms["udes"]]
     f += STOCH_WORDS[m["stoch"]]
-    f += [HEADER["option450"], HEADER["option452"], HEADER["source"], HEADER["reserved"]]
+    f += [HEADER["option450"], HEADER["option452"], m.get("source", HEADER["source"]),
+          HEADER["reserved"]]
     f += m.get("switches", ["0"] * 6)
     f += HEADER["display"]
     for kind in ("states", "controls", "exogenous"):
@@ -36,8 +50,12 @@ def fields(m):
     f += [a for a, _ in m.get("parameters", [])] + [pad(n) for _, n in m.get("parameters", [])]
     f += [a for a, _ in m.get("observations", [])] + \
          [pad(n) for _, n in m.get("observations", [])]
-    # System equations (regular form, no forward variables).
-    for name in ("A", "B", "C"):
+    if system == "402":
+        names = ["A", "B", "C"] + (["D1", "D2", "D3"][:lead] if forward == "405" else [])
+    else:
+        names = ["A0", "A1", "B1", "C1"] + \
+                (["DHAT1", "DHAT2", "DHAT3"][:lead] if forward == "405" else [])
+    for name in names:
         f += cells(m[name])
     f += cells(m["Z"] if forms["z"] == "410" else m["ZT"])
     f += cells(m["X0"])
@@ -54,7 +72,12 @@ def fields(m):
         f += cells(m["Q"]) + cells(m["XSIS"])
     if m["stoch"] in ("1724", "1728"):
         f += cells(m["TH0"]) + cells(m["TH0DIFF"]) + cells(m["SITT0"]) + cells(m["ITHN"])
+    if m["stoch"] == "1728":
+        for name in ("D", "H", "SIXX0", "SITX0", "R", "GAM", "ZETAS", "ETAS", "TH0DEV", "X0DEV"):
+            f += cells(m[name])
     f += cells(m["G"]) + cells(m["g"])
+    if forms.get("policy") == "407":
+        f += cells(m["N"])
     f.append(m["description"])
     return f
 
@@ -67,84 +90,93 @@ def cells(rows):
     return [c for row in rows for c in row]
 
 
+def check(m):
+    """The shapes the reader expects, so that a slip in the data is caught here, not by a
+    reader that would silently take the wrong cells."""
+    n, k, l, nt = int(m["n"]), int(m["m"]), int(m["l"]), \
+        int(m["terminal"]) - int(m["initial"]) + 1
+    npar, ny = int(m.get("np", "0")), int(m.get("ny", "0"))
+    forms = m["forms"]
+    shapes = {"A": (n, n), "B": (n, k), "C": (n, l), "D1": (n, n), "D2": (n, n), "D3": (n, n),
+              "A0": (n, n), "A1": (n, n), "B1": (n, k), "C1": (n, l), "DHAT1": (n, n),
+              "DHAT2": (n, n), "DHAT3": (n, n), "Z": (l, 1), "ZT": (l, nt - 1), "X0": (n, 1),
+              "W": (n, 1), "WN": (n, 1), "WT": (n, nt), "LAMBDA": (k, 1), "LAMBDAT": (k, nt - 1),
+              "XDES": (n, 1), "XDEST": (n, nt), "UDES": (k, 1), "UDEST": (k, nt - 1),
+              "Q": (n, n), "XSIS": (n, nt - 1), "TH0": (npar, 1), "TH0DIFF": (npar, 1),
+              "SITT0": (npar, npar), "ITHN": (npar, 3), "D": (npar, npar), "H": (ny, n),
+              "SIXX0": (n, n), "SITX0": (npar, n), "R": (ny, ny), "GAM": (npar, npar),
+              "ZETAS": (ny, nt - 1), "ETAS": (npar, nt - 1), "TH0DEV": (npar, 1),
+              "X0DEV": (n, 1), "G": (k, n), "g": (k, 1), "N": (npar, k)}
+    for name, (rows, cols) in shapes.items():
+        if name in m:
+            got = (len(m[name]), len(m[name][0]) if m[name] else cols)
+            assert got == (rows, cols), f"{m['acronym']}: {name} is {got}, not {(rows, cols)}"
+            assert all(len(r) == cols for r in m[name]), f"{m['acronym']}: ragged {name}"
+            assert all(len(c) <= 15 for r in m[name] for c in r), f"{m['acronym']}: {name}"
+    assert len(m["periods"]) == nt, m["acronym"]
+    for kind, count in (("states", n), ("controls", k), ("exogenous", l),
+                        ("parameters", npar), ("observations", ny)):
+        labels = m.get(kind, [])
+        assert len(labels) == count, f"{m['acronym']}: {kind}"
+        assert all(len(a) <= 8 and len(nm) <= 48 for a, nm in labels), f"{m['acronym']}: {kind}"
+    assert all(len(p) <= 8 for p in m["periods"]), m["acronym"]
+    assert len(m["acronym"]) <= 8 and len(m["name"]) <= 48, m["acronym"]
+    assert len(m["description"]) < 32000
+    if forms.get("forward") == "405":
+        assert m.get("maxLead") in ("1", "2", "3"), m["acronym"]
+
+
 def write(path, m):
-    text = "".join(x + "~" for x in fields(m))
-    assert all("~" not in x for x in fields(m))
+    check(m)
+    values = fields(m)
+    assert all("~" not in x for x in values)
     with open(path, "w", encoding="latin-1", newline="") as out:
-        out.write(text)
+        out.write("".join(x + "~" for x in values))
 
 
-TRACK1 = dict(
-    acronym="TRACK1", name="One-state output-gap tracking",
-    n="1", m="1", l="1", initial="2027", terminal="2036", stoch="1720",
-    forms=dict(criterion="400", z="410", w="412", **{"lambda": "415"}, xdes="417", udes="420"),
-    states=[("YGAP", "Output gap, percent of potential")],
-    controls=[("GSPEND", "Government spending, deviation from plan")],
-    exogenous=[("EXPORTS", "Export demand impulse")],
-    periods=[str(y) for y in range(2027, 2037)],
-    A=[["0.8"]], B=[["0.5"]], C=[["0.3"]], Z=[["1.0"]], X0=[["-2.0"]],
-    W=[["1.0"]], LAMBDA=[["0.5"]], XDES=[["0"]], UDES=[["0"]],
-    G=[["-0.6"]], g=[["0"]],
-    description=(
-        "A one-sector economy whose output gap closes by a fifth each year on its own.\r\n"
-        "Government spending moves the gap by half its size; export demand adds 0.3 points\r\n"
-        "every year. The planner weighs the squared gap against half the squared spending\r\n"
-        "deviation, over ten years that start from a gap of -2 percent."),
-)
+def table_row(row):
+    values = [str(row["id"]), row["stem"] + ".ovi", row["stem"] + " - " + row["title"]] + \
+             [row[c] for c in CASCADES]
+    assert all("\t" not in v and "\n" not in v and v for v in values), row["stem"]
+    return "\t".join(values)
 
-INFL2 = dict(
-    acronym="INFL2", name="Inflation and output with moving targets",
-    n="2", m="2", l="1", initial="1", terminal="8", stoch="1720",
-    forms=dict(criterion="400", z="411", w="413", **{"lambda": "415"}, xdes="418", udes="421"),
-    states=[("INFL", "Inflation, percent a year"), ("YGAP", "Output gap, percent")],
-    controls=[("RATE", "Policy interest rate, percent"), ("FISC", "Fiscal impulse, percent")],
-    exogenous=[("OILP", "Oil price shock")],
-    periods=["Q1", "Q2", "Q3", "Q4", "Q5", "Q6", "Q7", "Q8"],
-    A=[["0.7", "0.3"], ["-0.1", "0.8"]],
-    B=[["-0.2", "0.1"], ["-0.4", "0.5"]],
-    C=[["0.2"], ["-0.1"]],
-    ZT=[["1.0", "1.2", "1.1", "0.9", "0.8", "0.8", "0.8"]],
-    X0=[["4.5"], ["-1.0"]],
-    W=[["1.0"], ["0.5"]], WN=[["4.0"], ["2.0"]],
-    LAMBDA=[["0.2"], ["0.8"]],
-    XDEST=[["4.0", "3.7", "3.4", "3.1", "2.8", "2.5", "2.2", "2.0"],
-           ["0", "0", "0", "0", "0", "0", "0", "0"]],
-    UDEST=[["4.0", "3.8", "3.6", "3.4", "3.2", "3.0", "3.0"],
-           ["0", "0", "0", "0", "0", "0", "0"]],
-    G=[["0.5", "0.2"], ["0", "-0.3"]], g=[["0"], ["0"]],
-    description=(
-        "Inflation starts at 4.5 percent and the target path brings it down to 2 percent\r\n"
-        "over eight quarters while the output gap is to be closed. The interest rate and\r\n"
-        "a fiscal impulse are the instruments; an oil price path pushes inflation up.\r\n"
-        "The terminal quarter weighs the states four times as much."),
-)
 
-LEARN1 = dict(
-    acronym="LEARN1", name="Uncertain policy multiplier",
-    n="1", m="1", l="1", initial="1", terminal="6", np="1", nmc="20", stoch="1724",
-    switches=["1", "0", "0", "1", "0", "0"],
-    forms=dict(criterion="400", z="410", w="412", **{"lambda": "415"}, xdes="417", udes="420"),
-    states=[("YGAP", "Output gap, percent")],
-    controls=[("GSPEND", "Government spending, deviation")],
-    exogenous=[("CONST", "Constant term")],
-    periods=["T1", "T2", "T3", "T4", "T5", "T6"],
-    parameters=[("BMULT", "Spending multiplier")],
-    A=[["0.9"]], B=[["0.5"]], C=[["1.0"]], Z=[["0.1"]], X0=[["-1.5"]],
-    W=[["1.0"]], LAMBDA=[["0.1"]], XDES=[["0"]], UDES=[["0"]],
-    Q=[["0.01"]], XSIS=[["0", "0", "0", "0", "0"]],
-    TH0=[["0.5"]], TH0DIFF=[["0.4"]], SITT0=[["0.04"]], ITHN=[["1", "1", "1"]],
-    G=[["-0.9"]], g=[["0"]],
-    description=(
-        "The spending multiplier B(1,1) is not known: the policy maker believes it is 0.5\r\n"
-        "with variance 0.04 and learns about it from the gap it observes. Compare the\r\n"
-        "certainty-equivalence and open-loop-feedback rules over 20 Monte Carlo runs."),
-)
+def write_table(path, rows):
+    with open(path, "w", encoding="utf-8", newline="\n") as out:
+        out.write("# The example library: one row per example, tab-separated, written by\n"
+                  "# scripts/make_examples.py. The Examples menu lists each example under its\n"
+                  "# entry in each of the last five columns.\n")
+        out.write("\t".join(TABLE_HEADER) + "\n")
+        for row in rows:
+            out.write(table_row(row) + "\n")
+
+
+def write_readme(path, rows):
+    lines = ["# Example models", "",
+             "Our own models, written by `scripts/make_examples.py` (run it from the project root",
+             "to write them again), from textbook structures with our own numbers. The table",
+             "`examples.tsv` names them for the workbench's File: Examples menu, its example",
+             "browser and `ovaro-cli examples`; the ids are those of their menu entries. Each",
+             "model's description (Specification: Description) explains its economics.", "",
+             "| Id | File | Description | Stochastic terms | Subject |", "|---|---|---|---|---|"]
+    for row in rows:
+        lines.append(f"| {row['id']} | `{row['stem']}.ovi` | {row['stem']} - {row['title']} | "
+                     f"{row['stochastic']} | {row['subject']} |")
+    with open(path, "w", encoding="utf-8", newline="\n") as out:
+        out.write("\n".join(lines) + "\n")
 
 
 def main():
     here = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "examples")
-    for name, model in (("track1", TRACK1), ("infl2", INFL2), ("learn1", LEARN1)):
-        write(os.path.join(here, name + ".ovi"), model)
+    rows = example_models.library()
+    ids = [r["id"] for r in rows]
+    assert len(rows) == 50 and len(set(ids)) == 50, len(rows)
+    assert all(3600 <= i <= 3836 and i % 4 == 0 for i in ids)
+    assert len({r["stem"] for r in rows}) == 50
+    for row in rows:
+        write(os.path.join(here, row["stem"] + ".ovi"), row["model"])
+    write_table(os.path.join(here, "examples.tsv"), rows)
+    write_readme(os.path.join(here, "README.md"), rows)
 
 
 if __name__ == "__main__":

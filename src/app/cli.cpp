@@ -14,10 +14,12 @@
 
 #include "app/answering_prompter.h"
 #include "app/cli_plot.h"
+#include "app/cli_examples.h"
 #include "app/cli_transform.h"
 #include "app/model_report.h"
 #include "io/debug_options.h"
 #include "io/number_format.h"
+#include "model/example_table.h"
 #include "model/model_file.h"
 #include "model/options.h"
 #include "numeric/prompter.h"
@@ -446,6 +448,8 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
   convertCmd->add_option("out", convertOptions.out, "Model file to write")->required();
   TransformOptions transformOptions;
   CLI::App* transformCmd = addTransformCommand(app, transformOptions);
+  ExamplesOptions examplesOptions;
+  CLI::App* examplesCmd = addExamplesCommand(app, examplesOptions);
 
   SolveOptions solveOptions;
   CLI::App* solveCmd = app.add_subcommand(
@@ -526,6 +530,7 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
   if (infoCmd->parsed()) return info(infoOptions, out, err);
   if (convertCmd->parsed()) return convert(convertOptions, err);
   if (transformCmd->parsed()) return transform(transformOptions, out, err);
+  if (examplesCmd->parsed()) return listExamples(examplesOptions, exampleLibrary(), out, err);
   if (solveCmd->parsed()) return solve(solveOptions, out, err);
   if (plotOptions->command->parsed()) return runPlotCommand(*plotOptions, out, err);
   const bool tty = &err == &std::cerr && isatty(STDERR_FILENO);

@@ -4,6 +4,7 @@
 //   ovaro-cli convert IN.ovi OUT.ovi      read a model and write it again as the current version
 //   ovaro-cli transform IN OUT STEP...    reshape a model as the workbench's transformations do
 //   ovaro-cli solve, compare, updating    the single solves and the Monte Carlo commands
+//   ovaro-cli examples [--json]           the example library's table
 //
 // Messages go to stderr as "caption: text" and, with --json, into the output's "messages" list.
 // Exit codes: 0 success, 1 a job that failed (a file that cannot be read or written), 2 bad usage.

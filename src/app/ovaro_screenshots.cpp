@@ -16,8 +16,10 @@
 #include <string>
 
 #include "app/plot_screenshots.h"
+#include "model/example_table.h"
 #include "model_screenshots.h"
 #include "numeric/prompter.h"
+#include "ui/dialogs/examples_browser.h"
 #include "ui/main_window.h"
 #include "ui/menu_table.h"
 #include "ui/option_dialogs.h"
@@ -132,6 +134,13 @@ int main(int argc, char** argv) {
   {
     ovaro::ui::AboutDialog d;
     ok &= save(d, out, "dialog_about");
+  }
+  {
+    // The example browser on the library's table, loading nothing.
+    const ovaro::ExampleTable table =
+        ovaro::ExampleTable::read((examples + "/examples.tsv").toStdString());
+    ovaro::ui::ExamplesBrowser d(table, [](int) {});
+    ok &= save(d, out, "examples_browser");
   }
   ok &= ovaro::saveModelBuildingShots(examples, [&out](QWidget& w, const QString& name) {
     return save(w, out, name, name != "matrix_editor");

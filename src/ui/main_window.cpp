@@ -20,7 +20,6 @@
 #include <QStatusBar>
 #include <QTextCursor>
 #include <QTextDocument>
-#include <filesystem>
 
 #include "model/example_table.h"
 #include "model/model_file.h"
@@ -29,6 +28,7 @@
 #include "results/solve_commands.h"
 #include "results/stochastic_commands.h"
 #include "ui/description_dialog.h"
+#include "ui/dialogs/examples_browser.h"
 #include "ui/dialogs/matrix_entry.h"
 #include "ui/dialogs/model_commands.h"
 #include "ui/menu_table.h"
@@ -109,17 +109,6 @@ FileRequest modelFileRequest(FileRequest::Kind kind) {
   r.promptToCreate = kind == FileRequest::Kind::Open;
   r.promptBeforeOverwrite = kind == FileRequest::Kind::Save;
   return r;
-}
-
-// An example file is looked up in the working directory, then in its "examples" folder, where a
-// checkout keeps them.
-std::string findExampleFile(std::string_view fileName) {
-  namespace fs = std::filesystem;
-  std::error_code ec;
-  if (fs::exists(fs::path(fileName), ec)) return std::string(fileName);
-  const fs::path inExamples = fs::path("examples") / fileName;
-  if (fs::exists(inExamples, ec)) return inExamples.string();
-  return std::string(fileName);
 }
 
 constexpr const char* kExampleFailure =
@@ -244,6 +233,9 @@ void MainWindow::buildMenus() {
     const int id = acc.id;
     connect(shortcut, &QShortcut::activated, this, [this, id] { dispatch(id); });
   }
+  // The example browser has no menu item of its own: Ctrl+E opens it.
+  auto* browse = new QShortcut(QKeySequence(QStringLiteral("Ctrl+E")), this);
+  connect(browse, &QShortcut::activated, this, [this] { dispatch(cmd::kExamplesBrowser); });
 }
 
 void MainWindow::onEditMenuAboutToShow() {
@@ -325,7 +317,7 @@ void MainWindow::registerCommands() {
     const int id = e.commandId;
     on(id, [this, id] { loadExample(id); });
   }
-  unavailable(cmd::kExamplesBrowser);
+  on(cmd::kExamplesBrowser, [this] { openExamplesBrowser(); });
   // Edit: the text area's own operations.
   on(cmd::kUndo, [this] { textArea_->undo(); });
   on(cmd::kCut, [this] { textArea_->cut(); });
@@ -556,22 +548,29 @@ void MainWindow::exitProgram() {
 }
 
 void MainWindow::loadExample(int id) {
-  const ExampleEntry* entry = nullptr;
-  for (const ExampleEntry& e : exampleTable()) {
-    if (e.commandId == id) entry = &e;
-  }
+  const ExampleEntry* entry = exampleLibrary().row(id);
   if (entry == nullptr) return;
-  const std::string path = findExampleFile(entry->fileName);
+  const std::string path = exampleLibrary().filePath(*entry);
   if (readModelFile(path, wb_.model, prompter_) != 0) {
     // The title names the example, but the current file is not changed: a later Save writes to
     // the file last opened, or asks for a name.
     setWindowTitle(QString::fromStdString(captionText(entry->fileName)) + "[*]");
     forgetResults();
     prompter_.inform(std::string(entry->description), "Model Loaded");
+    if (examplesBrowser_) examplesBrowser_->close();
     openDescription();
   } else {
     showFileMessage(kExampleFailure, std::string(entry->fileName));
+    if (examplesBrowser_) examplesBrowser_->close();
   }
+}
+
+void MainWindow::openExamplesBrowser() {
+  ExamplesBrowser browser(
+      exampleLibrary(), [this](int id) { loadExample(id); }, this);
+  examplesBrowser_ = &browser;
+  runDialog(browser);
+  update();
 }
 
 void MainWindow::openDescription() {

@@ -117,6 +117,7 @@ class MainWindow : public QMainWindow {
   void clearModel();
   void exitProgram();
   void loadExample(int id);
+  void openExamplesBrowser();
   void openDescription();
   // Data: the checks that come before each data-entry dialog.
   void dataSystemEquations();
@@ -138,6 +139,7 @@ class MainWindow : public QMainWindow {
   Workbench wb_;
   ShellState shell_;
   std::map<int, std::function<void()>> commands_;
+  QPointer<QDialog> examplesBrowser_;  // the example browser, while it runs
   std::map<int, QAction*> actions_;
   DialogRunner dialogRunner_;
   std::unique_ptr<ModelCommands> modelCommands_;
