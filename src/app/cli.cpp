@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "app/answering_prompter.h"
+#include "app/cli_interchange.h"
 #include "app/cli_transform.h"
 #include "app/model_report.h"
 #include "io/debug_options.h"
@@ -434,6 +435,12 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
   convertCmd->add_option("out", convertOptions.out, "Model file to write")->required();
   TransformOptions transformOptions;
   CLI::App* transformCmd = addTransformCommand(app, transformOptions);
+  ExportOptions exportOptions;
+  CLI::App* exportCmd = addExportCommand(app, exportOptions);
+  ImportOptions importOptions;
+  CLI::App* importCmd = addImportCommand(app, importOptions);
+  ImportMatrixOptions importMatrixOptions;
+  CLI::App* importMatrixCmd = addImportMatrixCommand(app, importMatrixOptions);
 
   SolveOptions solveOptions;
   CLI::App* solveCmd = app.add_subcommand(
@@ -512,6 +519,9 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
   if (infoCmd->parsed()) return info(infoOptions, out, err);
   if (convertCmd->parsed()) return convert(convertOptions, err);
   if (transformCmd->parsed()) return transform(transformOptions, out, err);
+  if (exportCmd->parsed()) return exportModel(exportOptions, out, err);
+  if (importCmd->parsed()) return importModel(importOptions, out, err);
+  if (importMatrixCmd->parsed()) return importMatrix(importMatrixOptions, out, err);
   if (solveCmd->parsed()) return solve(solveOptions, out, err);
   const bool tty = &err == &std::cerr && isatty(STDERR_FILENO);
   if (compareCmd->parsed()) return compare(compareOptions, tty, out, err);
