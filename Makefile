@@ -48,15 +48,24 @@ test-asan: bootstrap
 	@cmake --build --preset asan -j $(JOBS)
 	@ctest --preset asan -j $(JOBS)
 
-# Runs each fuzz target for FUZZ_SECONDS, seeded with the example models.
+# Runs each fuzz target for FUZZ_SECONDS, seeded with the example models and interchange files
+# (the interchange reader's first byte picks the format: 0 QLP, 1 VELD).
+FUZZ_TARGETS = ovi_reader_fuzz interchange_reader_fuzz matrix_file_fuzz
 fuzz: bootstrap
 	@cmake --preset fuzz >/dev/null
-	@cmake --build --preset fuzz -j $(JOBS) --target ovi_reader_fuzz
-	@mkdir -p build/fuzz/corpus/ovi && cp -n examples/*.ovi build/fuzz/corpus/ovi/
-	@build/fuzz/fuzz/ovi_reader_fuzz -max_total_time=$(FUZZ_SECONDS) -rss_limit_mb=4096 \
-	  -print_final_stats=1 build/fuzz/corpus/ovi 2>build/fuzz/ovi_reader_fuzz.log \
-	  || { tail -50 build/fuzz/ovi_reader_fuzz.log; exit 1; }
-	@grep -E 'stat::number_of_executed_units|Done' build/fuzz/ovi_reader_fuzz.log | tail -2
+	@cmake --build --preset fuzz -j $(JOBS) --target $(FUZZ_TARGETS)
+	@mkdir -p build/fuzz/corpus/ovi build/fuzz/corpus/interchange build/fuzz/corpus/dma
+	@cp -n examples/*.ovi build/fuzz/corpus/ovi/
+	@for f in tests/data/interchange/*.qlp; do printf '\0' | cat - $$f > build/fuzz/corpus/interchange/$$(basename $$f); done
+	@for f in tests/data/interchange/*.vld; do printf '\1' | cat - $$f > build/fuzz/corpus/interchange/$$(basename $$f); done
+	@printf '\3\3\6' | cat - tests/data/interchange/small.dma > build/fuzz/corpus/dma/small.dma
+	@for t in ovi:ovi_reader_fuzz interchange:interchange_reader_fuzz dma:matrix_file_fuzz; do \
+	  corpus=$${t%%:*}; target=$${t#*:}; \
+	  build/fuzz/fuzz/$$target -max_total_time=$(FUZZ_SECONDS) -rss_limit_mb=4096 \
+	    -print_final_stats=1 build/fuzz/corpus/$$corpus 2>build/fuzz/$$target.log \
+	    || { tail -50 build/fuzz/$$target.log; exit 1; }; \
+	  echo "$$target:"; grep -E 'stat::number_of_executed_units|Done' build/fuzz/$$target.log | tail -2; \
+	done
 
 bench: bootstrap
 	@cmake --preset bench >/dev/null

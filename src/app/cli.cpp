@@ -13,8 +13,9 @@
 #include <vector>
 
 #include "app/answering_prompter.h"
-#include "app/cli_plot.h"
 #include "app/cli_examples.h"
+#include "app/cli_interchange.h"
+#include "app/cli_plot.h"
 #include "app/cli_transform.h"
 #include "app/model_report.h"
 #include "io/debug_options.h"
@@ -450,6 +451,12 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
   CLI::App* transformCmd = addTransformCommand(app, transformOptions);
   ExamplesOptions examplesOptions;
   CLI::App* examplesCmd = addExamplesCommand(app, examplesOptions);
+  ExportOptions exportOptions;
+  CLI::App* exportCmd = addExportCommand(app, exportOptions);
+  ImportOptions importOptions;
+  CLI::App* importCmd = addImportCommand(app, importOptions);
+  ImportMatrixOptions importMatrixOptions;
+  CLI::App* importMatrixCmd = addImportMatrixCommand(app, importMatrixOptions);
 
   SolveOptions solveOptions;
   CLI::App* solveCmd = app.add_subcommand(
@@ -531,6 +538,9 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
   if (convertCmd->parsed()) return convert(convertOptions, err);
   if (transformCmd->parsed()) return transform(transformOptions, out, err);
   if (examplesCmd->parsed()) return listExamples(examplesOptions, exampleLibrary(), out, err);
+  if (exportCmd->parsed()) return exportModel(exportOptions, out, err);
+  if (importCmd->parsed()) return importModel(importOptions, out, err);
+  if (importMatrixCmd->parsed()) return importMatrix(importMatrixOptions, out, err);
   if (solveCmd->parsed()) return solve(solveOptions, out, err);
   if (plotOptions->command->parsed()) return runPlotCommand(*plotOptions, out, err);
   const bool tty = &err == &std::cerr && isatty(STDERR_FILENO);

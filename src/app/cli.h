@@ -3,6 +3,7 @@
 //   ovaro-cli info MODEL.ovi [--json]     the model's sizes, forms, labels and matrices
 //   ovaro-cli convert IN.ovi OUT.ovi      read a model and write it again as the current version
 //   ovaro-cli transform IN OUT STEP...    reshape a model as the workbench's transformations do
+//   ovaro-cli export, import, import-matrix   QLP, VELD and VELDPC files and matrix files
 //   ovaro-cli solve, compare, updating    the single solves and the Monte Carlo commands
 //   ovaro-cli examples [--json]           the example library's table
 //

@@ -303,11 +303,7 @@ void MainWindow::registerCommands() {
   // File
   on(cmd::kNew, [this] { newModel(); });
   on(cmd::kOpen, [this] { openModel(); });
-  for (int id : {cmd::kImportQlp, cmd::kImportVeld, cmd::kImportSystem, cmd::kImportCriterion,
-                 cmd::kImportAdditive, cmd::kImportUncertain, cmd::kImportMeasurement,
-                 cmd::kImportHcfr, cmd::kExportQlp, cmd::kExportVeld}) {
-    unavailable(id);
-  }
+  registerInterchangeCommands();
   on(cmd::kSave, [this] { save(); });
   on(cmd::kSaveAs, [this] { saveAs(); });
   on(cmd::kPrint, [this] { printFile(); });

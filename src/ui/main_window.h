@@ -122,6 +122,12 @@ class MainWindow : public QMainWindow {
   // Data: the checks that come before each data-entry dialog.
   void dataSystemEquations();
   void dataStochastic(int id);
+  // File: the imports and exports (shell/interchange_commands.cpp)
+  void registerInterchangeCommands();
+  void importInputFile(int id);
+  void exportInputFile(int id);
+  void importMatrices(int id);
+  void importOneMatrix(MatrixId id);
   // Solve
   bool debugFilePrompt();
   void solveSingle(int method, bool traced, bool sheet);

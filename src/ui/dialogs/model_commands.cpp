@@ -148,6 +148,14 @@ void ModelCommands::matrixEntry(std::string_view name) {
   run(dialog);
 }
 
+void ModelCommands::matrixEntry(std::string_view name,
+                                const std::function<void(MatrixId)>& onMatrix) {
+  const MatrixEntryGroup* group = matrixEntryGroup(name);
+  if (group == nullptr) return;
+  MatrixEntryDialog dialog(*group, wb_.model, onMatrix, parent_);
+  run(dialog);
+}
+
 void ModelCommands::editModelMatrix(MatrixId id) {
   Model& model = wb_.model;
   TextMatrix* target = model.matrix(id);

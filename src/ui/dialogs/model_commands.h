@@ -49,6 +49,8 @@ class ModelCommands {
   // The matrix-entry dialog of that template name ("DataInSEC4", ...), each button opening the
   // matrix editor on its matrix.
   void matrixEntry(std::string_view group);
+  // The same dialog with another action behind its buttons (the import of single matrices).
+  void matrixEntry(std::string_view group, const std::function<void(MatrixId)>& onMatrix);
   // The matrix editor on one matrix of the model, with its title, shape and acronyms.
   void editModelMatrix(MatrixId id);
   // Transformations menu command 81..123.
