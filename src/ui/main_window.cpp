@@ -92,16 +92,6 @@ class WaitCursor {
   WaitCursor& operator=(const WaitCursor&) = delete;
 };
 
-// A menu label as a sentence shows it: no mnemonic marks, no accelerator text, no padding.
-std::string plainLabel(const std::string& label) {
-  std::string text;
-  for (char c : label.substr(0, label.find('\t'))) {
-    if (c != '&') text += c;
-  }
-  const auto first = text.find_first_not_of(' ');
-  return first == std::string::npos ? std::string() : text.substr(first);
-}
-
 FileRequest modelFileRequest(FileRequest::Kind kind) {
   FileRequest r;
   r.kind = kind;
@@ -278,11 +268,6 @@ void MainWindow::showFileMessage(const std::string& format, const std::string& t
   prompter_.inform(fileMessageText(format, title), "Ovaro", Icon::Exclamation);
 }
 
-void MainWindow::notAvailable(int id) {
-  prompter_.inform(plainLabel(menuLabel(id)) + " is not available in this build.", "Ovaro",
-                   Icon::Information);
-}
-
 void MainWindow::setTextAreaText(const QString& text) {
   settingText_ = true;
   textArea_->setPlainText(text);
@@ -297,7 +282,6 @@ void MainWindow::syncToggleChecks() {
 
 void MainWindow::registerCommands() {
   auto on = [this](int id, std::function<void()> handler) { commands_[id] = std::move(handler); };
-  auto unavailable = [this](int id) { commands_[id] = [this, id] { notAvailable(id); }; };
   auto nothing = [this](int id) { commands_[id] = [] {}; };
 
   // File

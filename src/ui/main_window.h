@@ -101,7 +101,6 @@ class MainWindow : public QMainWindow {
   void registerCommands();
   void setCaption();
   void showFileMessage(const std::string& format, const std::string& title);
-  void notAvailable(int id);
   int runDialog(QDialog& dialog);
   void setTextAreaText(const QString& text);
   void syncToggleChecks();
