@@ -77,6 +77,10 @@ class DebugFile final : public MatrixTrace {
   // Double matrix, rows rlo..rhi, columns clo..chi, chosen format: per block "\n %s " with the
   // label, per row "\n   " and the block's elements.
   int dumpMatrix(std::string_view label, int rlo, int rhi, int clo, int chi, const Mat& a);
+  // A column vector: rows 1..rows of the first column, in the same layout.
+  int dumpColumn(std::string_view label, int rows, const Mat& v) {
+    return dumpMatrix(label, 1, rows, 1, 1, v);
+  }
   // The same layout, every element as "%10.4f ".
   int dumpMatrixFixed(std::string_view label, int rlo, int rhi, int clo, int chi, const Mat& a);
   // For each first index i in ilo..ihi, the matrix a(i, rlo..rhi, clo..chi) in blocks headed

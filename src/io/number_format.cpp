@@ -63,12 +63,34 @@ void appendNumber(std::string& out, const char* format, double value) {
   std::snprintf(out.data() + start, count + 1, format, value);
   out.resize(start + count);
 }
-#pragma GCC diagnostic pop
 
 std::string formatNumber(const char* format, double value) {
   std::string out;
   appendNumber(out, format, value);
   return out;
 }
+
+namespace {
+
+template <typename T>
+std::string labelled(const char* format, const char* label, T value) {
+  const int size = std::snprintf(nullptr, 0, format, label, value);
+  if (size <= 0) return {};
+  std::string out(static_cast<std::size_t>(size) + 1, '\0');
+  std::snprintf(out.data(), out.size(), format, label, value);
+  out.resize(static_cast<std::size_t>(size));
+  return out;
+}
+
+}  // namespace
+
+std::string formatLabelled(const char* format, const char* label, int value) {
+  return labelled(format, label, value);
+}
+
+std::string formatLabelled(const char* format, const char* label, double value) {
+  return labelled(format, label, value);
+}
+#pragma GCC diagnostic pop
 
 }  // namespace ovaro

@@ -41,5 +41,10 @@ const char* debugElementFormat(int id);
 void appendNumber(std::string& out, const char* format, double value);
 // The same, as a new string.
 std::string formatNumber(const char* format, double value);
+// A labelled value of the debug and plot texts: `format` holds a %s for `label` and then one
+// conversion for the value (%d for the int, a double conversion for the double), e.g.
+// "\r\n\r\n%s%d". The text is as long as the format makes it.
+std::string formatLabelled(const char* format, const char* label, int value);
+std::string formatLabelled(const char* format, const char* label, double value);
 
 }  // namespace ovaro

@@ -1,7 +1,8 @@
 #include "results/plot_layout.h"
 
 #include <cmath>
-#include <cstdio>
+
+#include "io/number_format.h"
 
 namespace ovaro {
 
@@ -21,18 +22,6 @@ int toUnits(double v) {
   if (v > kLimit) return static_cast<int>(kLimit);
   if (v < -kLimit) return static_cast<int>(-kLimit);
   return static_cast<int>(v);
-}
-
-std::string printed(const char* format, double value) {
-  char buf[128];
-  std::snprintf(buf, sizeof buf, format, value);
-  return buf;
-}
-
-std::string printed(const char* format, const char* text, double value) {
-  char buf[160];
-  std::snprintf(buf, sizeof buf, format, text, value);
-  return buf;
 }
 
 // The legend stands below the period labels, in two rows of three entries: a sample line of
@@ -85,7 +74,7 @@ PlotLayout layoutPlot(std::span<const PlotSeries> series, const PlotLabels& labe
 
   p.title = {{units(0.25), units(0.88)}, labels.title};
   p.axisLabel = {{units(-0.08), units(0.88)},
-                 printed("%s x %7.3f", labels.acronym.c_str(), s.factor)};
+                 formatLabelled("%s x %7.3f", labels.acronym.c_str(), s.factor)};
   p.timeLabel = {{units(0.8), units(0.045)}, "Time"};
   p.axes = {PlotSegment{{0, 0}, {0, kPlotAxisLength}}, PlotSegment{{0, 0}, {kPlotAxisLength, 0}}};
 
@@ -93,7 +82,7 @@ PlotLayout layoutPlot(std::span<const PlotSeries> series, const PlotLabels& labe
   for (std::size_t i = 0; i < kFractions.size(); ++i) {
     const double f = kFractions[i];
     const int y = toUnits(f * kPlotAxisLength + 0.03 * kPlotSpace);
-    p.valueLabels[i] = {{units(-0.1), y}, printed("%10.3f", (s.min + f * s.range) * s.factor)};
+    p.valueLabels[i] = {{units(-0.1), y}, formatNumber("%10.3f", (s.min + f * s.range) * s.factor)};
     if (i > 0 && i + 1 < kFractions.size()) {
       const int tickY = toUnits(f * kPlotAxisLength);
       p.valueTicks.push_back({{0, tickY}, {units(0.02), tickY}});

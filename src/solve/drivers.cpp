@@ -120,16 +120,7 @@ std::optional<Solution> solveOlf(const Model& model, const CautionExperiment& ca
                     "Error", Icon::Stop);
     return std::nullopt;
   }
-  if (trace.active()) {
-    DebugFile& f = trace.file();
-    f.writeTitle(" Debug File for OLF ", model.acronym, model.name);
-    const DebugSize sizes[] = {{" State Variables, n ", n},
-                               {" Control Variables, m ", m},
-                               {" Exogenous Variables, l ", model.dims.l.value},
-                               {" Uncertain Parameters, np ", np},
-                               {" Time Periods, nt ", nt}};
-    f.writeSizes(sizes);
-  }
+  if (trace.active()) writeDebugHeading(trace.file(), " Debug File for OLF ", model);
   SystemArrays sys;
   CriterionArrays crit;
   systemInput(model, trace, sys);

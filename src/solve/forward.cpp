@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <string>
 
+#include "io/number_format.h"
 #include "numeric/matrix_ops.h"
 
 namespace ovaro {
@@ -16,12 +17,6 @@ void leadTerm(int n, const Mat& d, const Mat& xs, int col, Mat& out) {
     for (int j = 1; j <= n; ++j) s += d(i, j) * xs(j, col);
     out(i, 1) = s;
   }
-}
-
-std::string numbered(const char* format, const char* text, int value) {
-  char buf[256];
-  std::snprintf(buf, sizeof buf, format, text, value);
-  return buf;
 }
 
 }  // namespace
@@ -86,8 +81,8 @@ int forward(int n, int m, int nt, int t0, int forwardFlag, int maxLead, Mat& cs,
 int CheckConvergence(int run, int iteration, int t0, int m, int nt, const Mat& usiter, Mat& usOld,
                      double& eps, ForwardContext& ctx, const SolveTrace& trace) {
   const bool traced = trace.on(SolveTopic::ForwardVariables);
-  if (traced &&
-      !trace.file().write(numbered("\r\n\r\n%s%d\r\n", " CheckConvergence - iter = ", iteration))) {
+  if (traced && !trace.file().write(
+                    formatLabelled("\r\n\r\n%s%d\r\n", " CheckConvergence - iter = ", iteration))) {
     return 0;
   }
   // The first iteration has no previous controls to compare with: its difference is zero.
@@ -108,8 +103,8 @@ int CheckConvergence(int run, int iteration, int t0, int m, int nt, const Mat& u
     for (int t = t0; t <= nt - 1; ++t) eps += usIterDiff(i, t) * usIterDiff(i, t);
   if (traced && !trace.file().dumpScalar("epsCurrent in CheckConvergence", eps)) return 0;
   if (iteration >= 2 && eps <= ctx.tolerance && traced &&
-      !trace.file().write(numbered("\r\n\r\n%s%d\r\n",
-                                   " CheckConvergence - Convergence at iteration ", iteration))) {
+      !trace.file().write(formatLabelled(
+          "\r\n\r\n%s%d\r\n", " CheckConvergence - Convergence at iteration ", iteration))) {
     return 0;
   }
   mmovsub(1, m, 0, nt - 1, usiter, usOld);

@@ -28,4 +28,15 @@ IMat readModelIntMatrix(const Model& model, MatrixId id, int rows, int cols) {
   return out;
 }
 
+int writeDebugHeading(DebugFile& file, std::string_view heading, const Model& model) {
+  file.writeTitle(heading, model.acronym, model.name);
+  const DebugSize sizes[] = {{" State Variables, n ", model.dims.n.value},
+                             {" Control Variables, m ", model.dims.m.value},
+                             {" Exogenous Variables, l ", model.dims.l.value},
+                             {" Uncertain Parameters, np ", model.dims.np.value},
+                             {" Time Periods, nt ", solverPeriods(model)}};
+  file.writeSizes(sizes);
+  return file.ok();
+}
+
 }  // namespace ovaro

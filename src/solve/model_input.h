@@ -1,6 +1,9 @@
 // Reading the Model's Text matrices into the numeric arrays of a solve.
 #pragma once
 
+#include <string_view>
+
+#include "io/debug_file.h"
 #include "model/model.h"
 #include "numeric/arrays.h"
 
@@ -17,5 +20,10 @@ IMat readModelIntMatrix(const Model& model, MatrixId id, int rows, int cols);
 inline int solverPeriods(const Model& model) {
   return model.dims.nt.value - 1;
 }
+
+// The opening of the debug file of an OLF solve and of the Monte Carlo runs: the heading with the
+// model's acronym and name, then the sizes n, m, l, np and the solvers' horizon. Whether the file
+// is still whole.
+int writeDebugHeading(DebugFile& file, std::string_view heading, const Model& model);
 
 }  // namespace ovaro

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "io/number_format.h"
 #include "model/options.h"
 #include "numeric/matrix_ops.h"
 #include "solve/forward.h"
@@ -20,70 +21,6 @@
 #include "stoch/one_period.h"
 
 namespace ovaro {
-
-SolveTrace monteCarloTrace(DebugFile* file, const DebugSwitches& s) {
-  using T = SolveTopic;
-  using S = DebugSwitch;
-  struct Link {
-    T topic;
-    S box;
-  };
-  static constexpr Link kLinks[] = {
-      {T::SystemInput, S::InputsSystemEquations},
-      {T::SystemInput, S::SummaryInputsAndResults},
-      {T::CriterionInput, S::InputsCriterion},
-      {T::CriterionInput, S::SummaryInputsAndResults},
-      {T::TrackingToQuadratic, S::InputsTrackingToQuadratic},
-      {T::PindyckToRegular, S::InputsPindyckToRegular},
-      {T::UncertainParameters, S::InputsMapAbcToTheta},
-      {T::UncertainParameters, S::InputsOther},
-      {T::UncertainParameters, S::SummaryInputsAndResults},
-      {T::ForwardVariables, S::InputsForwardLooking},
-      {T::ForwardVariables, S::IntermediatesForwardEachIteration},
-      {T::ForwardLastTwo, S::IntermediatesForwardLastTwo},
-      {T::PhiThetaPsi, S::IntermediatesKAndPIntermediates},
-      {T::KAndPIntermediate, S::IntermediatesKAndPIntermediates},
-      {T::KAndP, S::IntermediatesKAndP},
-      {T::GAndG, S::IntermediatesGAndG},
-      {T::XAndUIntermediate, S::ResultsStatesControlsIntermediate},
-      {T::XAndU, S::ResultsStatesControlsFinal},
-      {T::CriterionValue, S::ResultsStatesControlsFinal},
-      {T::RandomIntermediates, S::InputsRandomIntermediates},
-      {T::RandomFinals, S::InputsRandomFinal},
-      {T::RandomMeans, S::InputsRandomMeans},
-      {T::ProjectionMeansIntermediate, S::ProjectionMeansIntermediate},
-      {T::ProjectionMeansFinal, S::ProjectionMeansFinal},
-      {T::ProjectionCovariancesIntermediate, S::ProjectionCovariancesIntermediate},
-      {T::ProjectionCovariancesFinal, S::ProjectionCovariancesFinal},
-      {T::FilterMeansIntermediate, S::FilterMeansIntermediate},
-      {T::FilterMeansFinal, S::FilterMeansFinal},
-      {T::FilterCovariancesIntermediate, S::FilterCovariancesIntermediate},
-      {T::FilterCovariancesFinal, S::FilterCovariancesFinal},
-      {T::ThetaCovariance, S::ResultsThetaCovariance},
-      {T::TrueParametersIntermediate, S::ResultsTrueParametersIntermediate},
-      {T::TrueParametersFinal, S::ResultsTrueParametersFinal},
-      {T::EstimatedParametersFinal, S::ResultsEstimatedParametersFinal},
-      {T::EstimatedParametersFinal, S::ResultsThetaMeans},
-      {T::StatesControlsIntermediate, S::ResultsStatesControlsIntermediate},
-      {T::StatesControlsFinal, S::ResultsStatesControlsFinal},
-      {T::MonteCarloSummary, S::ResultsMonteCarloSummary},
-      {T::MonteCarloSummary, S::SummaryInputsAndResults},
-      {T::MonteCarloSummary, S::SummaryResultsOnly},
-  };
-  std::bitset<kSolveTopicCount> topics;
-  for (const Link& link : kLinks)
-    if (s.on(link.box)) topics.set(static_cast<std::size_t>(link.topic));
-  // The period and iteration headings come with any detailed print of the runs; the summaries
-  // after the runs (the Monte Carlo results print and the Monte Carlo page) are not one.
-  bool any = false;
-  for (const DebugSwitchInfo& info : debugSwitchTable()) {
-    if (info.page == DebugPage::QlpOlf || info.page == DebugPage::MonteCarlo) continue;
-    if (info.id == S::ResultsMonteCarloSummary || info.id == S::SummaryResultsOnly) continue;
-    if (s.isSet(info.id)) any = true;
-  }
-  if (any) topics.set(static_cast<std::size_t>(T::RunHeadings));
-  return SolveTrace(file, topics);
-}
 
 void countLowestCriterion(const MethodSelection& sel, const std::array<double, kMethodCount>& c,
                           std::array<unsigned, kMethodCount>& counts) {
@@ -142,12 +79,6 @@ struct CompareSetup {
   Mat atrue0, btrue0, ctruetv0;  // the true system at theta0
   ForwardContext forwardBase;
 };
-
-std::string formatted(const char* format, const char* text, int value) {
-  char buf[256];
-  std::snprintf(buf, sizeof buf, format, text, value);
-  return buf;
-}
 
 Mat columnOf(int rows, int t, const Mat& a) {
   Mat c = mat2(1, rows, 1, 1);
@@ -223,7 +154,7 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
   for (int k = 0; k <= nt - 1; ++k) {
     if (trace.on(SolveTopic::RunHeadings))
       trace.file().write(
-          formatted("\r\n\r\n%s%d", (" " + routine + " - major time loop   k = ").c_str(), k));
+          formatLabelled("\r\n\r\n%s%d", (" " + routine + " - major time loop   k = ").c_str(), k));
     MapThetaToAbc(n, m, nt, np, s.ithn, thkk, a, b, cs, prompter, trace);
     const Mat xhat = xhkk;
     if (hcfr) {
@@ -251,8 +182,8 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
       for (int iter = 1; iter <= fctx.iterlim; ++iter) {
         if (trace.on(SolveTopic::RunHeadings))
           trace.file().write(
-              formatted("\r\n\r\n%s%d",
-                        (" " + routine + " - forward variable loop   iter = ").c_str(), iter));
+              formatLabelled("\r\n\r\n%s%d",
+                             (" " + routine + " - forward variable loop   iter = ").c_str(), iter));
         if (!hcfr) {
           mmovsub(1, n, 0, nt - 1, cs, csAdjusted);
           forward(n, m, nt, k, 1, s.sys.maxLead, csAdjusted, s.sys.d1, s.sys.d2, s.sys.d3, xsiter,
@@ -343,25 +274,6 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
   return trace.ok();
 }
 
-// The per-method runs: HCFR by its fixed rule, CE and CEWO by the certainty-equivalence re-solve,
-// OLF and OLIN by the open loop feedback re-solve.
-int CompareHcfr(int run, const CompareSetup& s, const RandomTerms& terms, PeriodContext& pctx,
-                RunFlags& flags, Prompter& prompter, const SolveTrace& trace, RunPaths& out) {
-  return runMethod(kHcfr, run, s, terms, pctx, flags, prompter, trace, out);
-}
-
-int CompareCe(bool withoutUpdate, int run, const CompareSetup& s, const RandomTerms& terms,
-              PeriodContext& pctx, RunFlags& flags, Prompter& prompter, const SolveTrace& trace,
-              RunPaths& out) {
-  return runMethod(withoutUpdate ? kCeWo : kCe, run, s, terms, pctx, flags, prompter, trace, out);
-}
-
-int CompareOlf(bool withInsight, int run, const CompareSetup& s, const RandomTerms& terms,
-               PeriodContext& pctx, RunFlags& flags, Prompter& prompter, const SolveTrace& trace,
-               RunPaths& out) {
-  return runMethod(withInsight ? kOlIn : kOlf, run, s, terms, pctx, flags, prompter, trace, out);
-}
-
 // Every selected method, in table order, steers the run's economy from the run's terms.
 int runSelectedMethods(int run, const MethodSelection& selected, const CompareSetup& s,
                        const RandomTerms& terms, PeriodContext& pctx, RunFlags& flags,
@@ -372,18 +284,7 @@ int runSelectedMethods(int run, const MethodSelection& selected, const CompareSe
     if (!selected[k]) continue;
     pctx.run = run;
     pctx.method = kMethodNames[k];
-    switch (method) {
-      case kHcfr:
-        CompareHcfr(run, s, terms, pctx, flags, prompter, trace, out[k]);
-        break;
-      case kCe:
-      case kCeWo:
-        CompareCe(method == kCeWo, run, s, terms, pctx, flags, prompter, trace, out[k]);
-        break;
-      default:
-        CompareOlf(method == kOlIn, run, s, terms, pctx, flags, prompter, trace, out[k]);
-        break;
-    }
+    runMethod(method, run, s, terms, pctx, flags, prompter, trace, out[k]);
   }
   return trace.ok();
 }
@@ -522,20 +423,11 @@ CompareResult maincompare(const Model& model, const CompareSettings& settings, R
   result.selected = settings.methods;
 
   DebugFile* file = settings.file;
-  DebugSwitches switches = settings.debug.switches;
+  const DebugSwitches& switches = settings.debug.switches;
   SolveTrace trace = monteCarloTrace(file, switches);
-  if (file != nullptr) {
-    DebugFile& f = *file;
-    f.writeTitle(" Debug File for OLF ", model.acronym, model.name);
-    const DebugSize sizes[] = {{" State Variables, n ", n},
-                               {" Control Variables, m ", m},
-                               {" Exogenous Variables, l ", s.l},
-                               {" Uncertain Parameters, np ", np},
-                               {" Time Periods, nt ", nt}};
-    if (!f.writeSizes(sizes)) {
-      result.status = 0;
-      return result;
-    }
+  if (file != nullptr && !writeDebugHeading(*file, " Debug File for OLF ", model)) {
+    result.status = 0;
+    return result;
   }
 
   systemInput(model, trace, s.sys);
@@ -641,7 +533,6 @@ CompareResult maincompare(const Model& model, const CompareSettings& settings, R
                     Icon::Exclamation);
   PeriodContext pctx;
   RunFlags flags;
-  DebugSwitches saved;
   // What one run adds to the results, in run order.
   auto recordRun = [&](const std::array<RunPaths, kMethodCount>& rps) {
     const int run = static_cast<int>(result.mcResults.size()) + 1;
@@ -665,25 +556,7 @@ CompareResult maincompare(const Model& model, const CompareSettings& settings, R
   }
   for (int run = 1; file != nullptr && run <= nmc && !file->failed() && !cancelled(settings);
        ++run) {
-    // Only the first run (or the chosen one) is printed in detail; the summary stays on.
-    auto summaryOnly = [&] {
-      switches.clear();
-      switches.set(DebugSwitch::ResultsMonteCarloSummary);
-    };
-    if (run == 2) summaryOnly();
-    if (settings.debug.runSelection == DebugRunSelection::RunNumber) {
-      if (run == 1) {
-        saved = switches;
-        summaryOnly();
-      }
-      if (run == settings.debug.runNumber) {
-        switches = saved;
-        if (file != nullptr)
-          file->write(formatted("\r\n\r\n\r\n%s%d", " Print for Monte Carlo run i = ", run));
-      }
-      if (run == settings.debug.runNumber + 1) summaryOnly();
-    }
-    trace = monteCarloTrace(file, switches);
+    trace = runTrace(file, settings.debug, run);
     progress.step();
     if (generate) GenerateRandomTerms(random, src, terms, acc, prompter, trace);
     runSelectedMethods(run, settings.methods, s, terms, pctx, flags, prompter, trace,

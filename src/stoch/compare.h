@@ -20,6 +20,7 @@
 #include "numeric/prompter.h"
 #include "solve/trace.h"
 #include "stoch/random_terms.h"
+#include "stoch/run_trace.h"
 
 namespace ovaro {
 
@@ -32,10 +33,6 @@ inline constexpr std::array<const char*, kMethodCount> kMethodSuffixes = {"Hcfr"
                                                                           "Olf", "OlfIn"};
 
 using MethodSelection = std::array<bool, kMethodCount>;
-
-// The topics of the Compare debug sheet (Inputs, Intermediates, Results pages): each box turns on
-// the dumps its label names.
-SolveTrace monteCarloTrace(DebugFile* file, const DebugSwitches& switches);
 
 // The paths of one run of one method.
 struct RunPaths {

@@ -41,11 +41,6 @@ double trace4Mixed(int n, int p, const Mat& P, const Mat& Q, const Mat& R, const
   return sum;
 }
 
-// Column vectors as the dumps show them.
-int dumpColumn(DebugFile& f, const char* label, int rows, const Mat& v) {
-  return f.dumpMatrix(label, 1, rows, 1, 1, v);
-}
-
 }  // namespace
 
 // xhk1k = (A xhkk + B uk + c) + eaistx, eaistx_i = trace(ath_i sitxkk); thk1k = D thkk.
@@ -56,10 +51,10 @@ void KStep(int n, int m, int l, int np, const Mat& a, const Mat& b, const Mat& c
   const bool steps = trace.on(SolveTopic::ProjectionMeansIntermediate);
   if (steps) {
     DebugFile& f = trace.file();
-    dumpColumn(f, "c in KStep", n, c);
+    f.dumpColumn("c in KStep", n, c);
     f.dumpMatrix("d in KStep", 1, np, 1, np, d);
-    dumpColumn(f, "xhkk in KStep", n, xhkk);
-    dumpColumn(f, "uk in KStep", m, uk);
+    f.dumpColumn("xhkk in KStep", n, xhkk);
+    f.dumpColumn("uk in KStep", m, uk);
     f.dumpMatrix("sixxkk in KStep", 1, n, 1, n, sixxkk);
     f.dumpMatrix("sitxkk in KStep", 1, np, 1, n, sitxkk);
     f.dumpMatrix("sittkk in KStep", 1, np, 1, np, sittkk);
@@ -81,16 +76,16 @@ void KStep(int n, int m, int l, int np, const Mat& a, const Mat& b, const Mat& c
 
   if (steps) {
     DebugFile& f = trace.file();
-    dumpColumn(f, "axbuc in KStep", n, axbuc);
+    f.dumpColumn("axbuc in KStep", n, axbuc);
     f.dumpMatrix3("ath in KStep", 1, n, 1, np, 1, n, ath);
     f.dumpMatrix3("bth in KStep", 1, m, 1, np, 1, n, bth);
     f.dumpMatrix3("cth in KStep", 1, l > 1 ? l : 1, 1, np, 1, n, cth);
-    dumpColumn(f, "eaistx in KStep", n, eaistx);
+    f.dumpColumn("eaistx in KStep", n, eaistx);
   }
   if (trace.on(SolveTopic::ProjectionMeansFinal)) {
     DebugFile& f = trace.file();
-    dumpColumn(f, "xhk1k in KStep", n, xhk1k);
-    dumpColumn(f, "thk1k in KStep", np, thk1k);
+    f.dumpColumn("xhk1k in KStep", n, xhk1k);
+    f.dumpColumn("thk1k in KStep", np, thk1k);
   }
 }
 
@@ -103,8 +98,8 @@ void Fxtk(int n, int m, int l, int np, const Mat3& ath, const Mat3& bth, const M
     f.dumpMatrix3("ath in Fxtk", 1, n, 1, np, 1, n, ath);
     f.dumpMatrix3("bth in Fxtk", 1, m, 1, np, 1, n, bth);
     f.dumpMatrix3("cth in Fxtk", 1, l > 1 ? l : 1, 1, np, 1, n, cth);
-    dumpColumn(f, "xhkk in Fxtk", n, xhkk);
-    dumpColumn(f, "uk in Fxtk", m, uk);
+    f.dumpColumn("xhkk in Fxtk", n, xhkk);
+    f.dumpColumn("uk in Fxtk", m, uk);
   }
   Mat xt = mat2(1, 1, 1, n), ut = mat2(1, 1, 1, m);
   mtrans(n, 1, xhkk, xt);
@@ -239,9 +234,9 @@ void Sigk1k(int n, int m, int l, int np, const Mat& a, const Mat& c, const Mat& 
     Mat cLocal = mat2(1, n, 1, 1);
     mmov(n, 1, c, cLocal);
     DebugFile& f = trace.file();
-    dumpColumn(f, "c in Sigk1k", n, cLocal);
-    dumpColumn(f, "xhkk in Sigk1k", n, xhkk);
-    dumpColumn(f, "uk in Sigk1k", m, uk);
+    f.dumpColumn("c in Sigk1k", n, cLocal);
+    f.dumpColumn("xhkk in Sigk1k", n, xhkk);
+    f.dumpColumn("uk in Sigk1k", m, uk);
     f.dumpMatrix("sixxkk in Sigk1k", 1, n, 1, n, sixxkk);
     f.dumpMatrix("sitxkk in Sigk1k", 1, np, 1, n, sitxkk);
     f.dumpMatrix("sittkk in Sigk1k", 1, np, 1, np, sittkk);
@@ -328,20 +323,20 @@ void Sigk1k1(int n, int m, int np, int ny, const Mat& y, const Mat& xhk1k, const
   }
   if (thetaCov) f.dumpMatrix("sittk1k1 in Sigk1k1", 1, np, 1, np, sittk1k1);
   if (meanSteps) {
-    dumpColumn(f, "xhk1k in Sigk1k1", n, xhk1k);
-    dumpColumn(f, "thk1k in Sigk1k1", np, thk1k);
-    dumpColumn(f, "y in Sigk1k1", ny, y);
-    dumpColumn(f, "hx in Sigk1k1", ny, hx);
-    dumpColumn(f, "yhx in Sigk1k1", ny, yhx);
+    f.dumpColumn("xhk1k in Sigk1k1", n, xhk1k);
+    f.dumpColumn("thk1k in Sigk1k1", np, thk1k);
+    f.dumpColumn("y in Sigk1k1", ny, y);
+    f.dumpColumn("hx in Sigk1k1", ny, hx);
+    f.dumpColumn("yhx in Sigk1k1", ny, yhx);
     f.dumpMatrix("sxxhs in Sigk1k1", 1, n, 1, ny, sxxhs);
-    dumpColumn(f, "sxxhsyhx in Sigk1k1", n, sxxhsyhx);
+    f.dumpColumn("sxxhsyhx in Sigk1k1", n, sxxhsyhx);
   }
-  if (meanFinals) dumpColumn(f, "xhk1k1 in Sigk1k1", n, xhk1k1);
+  if (meanFinals) f.dumpColumn("xhk1k1 in Sigk1k1", n, xhk1k1);
   if (meanSteps) {
     f.dumpMatrix("stxhs in Sigk1k1", 1, np, 1, ny, stxhs);
-    dumpColumn(f, "stxhsyhx in Sigk1k1", np, stxhsyhx);
+    f.dumpColumn("stxhsyhx in Sigk1k1", np, stxhsyhx);
   }
-  if (meanFinals) dumpColumn(f, "thk1k1 in Sigk1k1", np, thk1k1);
+  if (meanFinals) f.dumpColumn("thk1k1 in Sigk1k1", np, thk1k1);
 }
 
 }  // namespace ovaro

@@ -22,10 +22,6 @@ namespace {
 constexpr double kSmallControl = 1e-9;
 constexpr double kUkPercentSubstitute = 99999.0;
 
-int dumpColumn(DebugFile& f, const std::string& label, int rows, const Mat& v) {
-  return f.dumpMatrix(label, 1, rows, 1, 1, v);
-}
-
 // The two routines that compute a percentage change of the controls, as their warnings name them.
 struct PercentWarning {
   const char* firstLine;  // "Warning!  In subr ... - division "
@@ -94,11 +90,11 @@ void CompUOnePeriod(int n, int m, const Mat& g, const Mat& glc, const Mat& xk, M
   DebugFile& f = trace.file();
   const std::string in = " in CompUOnePeriod";
   const std::string inRule = ctx.hcfr ? " in CompUOnePeriod/HCFR" : in;
-  dumpColumn(f, "xk" + in, n, xk);
+  f.dumpColumn("xk" + in, n, xk);
   f.dumpMatrix("g" + in, 1, m, 1, n, g);
-  dumpColumn(f, "glc" + in, m, glc);
-  dumpColumn(f, "gx" + inRule, m, gx);
-  dumpColumn(f, "uk" + inRule, m, uk);
+  f.dumpColumn("glc" + in, m, glc);
+  f.dumpColumn("gx" + inRule, m, gx);
+  f.dumpColumn("uk" + inRule, m, uk);
 }
 
 // xk1 = ax + (bu + (ctrue + xsi)), y = H xk1 + zeta(k+1).
@@ -125,16 +121,16 @@ void CompXOnePeriod(int n, int m, int nt, int ny, int k, const Mat& atrue, const
   if (!trace.on(SolveTopic::StatesControlsIntermediate)) return;
   DebugFile& f = trace.file();
   const std::string in = ctx.hcfr ? " in CompXOnePeriod/HCFR" : " in CompXOnePeriod";
-  dumpColumn(f, "ax" + in, n, ax);
-  dumpColumn(f, "bu" + in, n, bu);
-  dumpColumn(f, "ctrue" + in, n, ctrue);
-  dumpColumn(f, "xsi" + in, n, xsi);
-  dumpColumn(f, "xk1" + in, n, xk1);
+  f.dumpColumn("ax" + in, n, ax);
+  f.dumpColumn("bu" + in, n, bu);
+  f.dumpColumn("ctrue" + in, n, ctrue);
+  f.dumpColumn("xsi" + in, n, xsi);
+  f.dumpColumn("xk1" + in, n, xk1);
   f.dumpMatrix("h" + in, 1, ny, 1, n, h);
   f.dumpMatrix("zetas" + in, 1, ny, 1, nt, zetas);
-  dumpColumn(f, "zeta" + in, ny, zeta);
-  dumpColumn(f, "xhk1" + in, ny, xhk1);
-  dumpColumn(f, "y" + in, ny, y);
+  f.dumpColumn("zeta" + in, ny, zeta);
+  f.dumpColumn("xhk1" + in, ny, xhk1);
+  f.dumpColumn("y" + in, ny, y);
 }
 
 LeadTerms makeLeadTerms(int n) {
@@ -189,19 +185,19 @@ void CompXOnePeriodForw(int n, int m, int nt, int ny, int k, const Mat& atrue, c
   DebugFile& f = trace.file();
   const std::string in = " in CompXOnePeriodForw";
   f.dumpMatrix("ctruetv" + in, 1, n, 0, nt - 1, ctruetv);
-  dumpColumn(f, "ax" + in, n, ax);
-  dumpColumn(f, "bu" + in, n, bu);
-  dumpColumn(f, "ctrue" + in, n, ctrue);
-  dumpColumn(f, "xsi" + in, n, xsi);
-  dumpColumn(f, "d2xek2" + in, n, d2xek2);
-  dumpColumn(f, "d3xek3" + in, n, d3xek3);
-  dumpColumn(f, "dxesum" + in, n, dxesum);
-  dumpColumn(f, "xk1" + in, n, xk1);
+  f.dumpColumn("ax" + in, n, ax);
+  f.dumpColumn("bu" + in, n, bu);
+  f.dumpColumn("ctrue" + in, n, ctrue);
+  f.dumpColumn("xsi" + in, n, xsi);
+  f.dumpColumn("d2xek2" + in, n, d2xek2);
+  f.dumpColumn("d3xek3" + in, n, d3xek3);
+  f.dumpColumn("dxesum" + in, n, dxesum);
+  f.dumpColumn("xk1" + in, n, xk1);
   f.dumpMatrix("h" + in, 1, ny, 1, n, h);
   f.dumpMatrix("zetas" + in, 1, ny, 1, nt, zetas);
-  dumpColumn(f, "zeta" + in, ny, zeta);
-  dumpColumn(f, "xhk1" + in, ny, xhk1);
-  dumpColumn(f, "y" + in, ny, y);
+  f.dumpColumn("zeta" + in, ny, zeta);
+  f.dumpColumn("xhk1" + in, ny, xhk1);
+  f.dumpColumn("y" + in, ny, y);
 }
 
 // thetatrue(:, k+1) = thetak + puc thetak + eta with the policy effect, thetak + eta without.
@@ -212,7 +208,7 @@ int CompThetaTrueOnePeriod(PeriodContext& ctx, int np, int m, int nt, int k, int
   const bool steps = trace.on(SolveTopic::TrueParametersIntermediate);
   const std::string in = " in CompThetaTrueOnePeriod";
   if (steps) {
-    dumpColumn(trace.file(), "uk" + in, m, uk);
+    trace.file().dumpColumn("uk" + in, m, uk);
     trace.file().dumpMatrix("us" + in, 1, m, 0, nt - 1, us);
   }
   const bool policy = policyToParam == 1;
@@ -237,15 +233,15 @@ int CompThetaTrueOnePeriod(PeriodContext& ctx, int np, int m, int nt, int k, int
   if (steps) {
     DebugFile& f = trace.file();
     if (policy) {
-      dumpColumn(f, "ukpercent" + in, m, ukpercent);
+      f.dumpColumn("ukpercent" + in, m, ukpercent);
       f.dumpMatrix("npolicyparm" + in, 1, np, 1, m, npolicy);
-      dumpColumn(f, "plc" + in, np, plc);
+      f.dumpColumn("plc" + in, np, plc);
       f.dumpMatrix("puc" + in, 1, np, 1, np, puc);
     }
-    dumpColumn(f, "eta" + in, np, eta);
-    dumpColumn(f, "thetak" + in, np, thetak);
-    if (policy) dumpColumn(f, "pucthetak" + in, np, pucthetak);
-    dumpColumn(f, "thetak1" + in, np, thetak1);
+    f.dumpColumn("eta" + in, np, eta);
+    f.dumpColumn("thetak" + in, np, thetak);
+    if (policy) f.dumpColumn("pucthetak" + in, np, pucthetak);
+    f.dumpColumn("thetak1" + in, np, thetak1);
   }
   if (trace.on(SolveTopic::TrueParametersFinal)) {
     trace.file().dumpMatrix("thetatrue" + in, 1, np, 0, nt, thetatrue);
@@ -294,17 +290,17 @@ int CompPolicyParmEffect(PeriodContext& ctx, int k, int np, int m, int nt, const
   DebugFile& f = trace.file();
   const std::string in = " in CompPolicyParmEffect";
   if (steps) {
-    dumpColumn(f, "uk" + in, m, uk);
-    dumpColumn(f, "ukpercent" + in, m, ukpercent);
+    f.dumpColumn("uk" + in, m, uk);
+    f.dumpColumn("ukpercent" + in, m, ukpercent);
     f.dumpMatrix("npolicyparm" + in, 1, np, 1, m, npolicy);
-    dumpColumn(f, "plc" + in, np, plc);
+    f.dumpColumn("plc" + in, np, plc);
     f.dumpMatrix("puc" + in, 1, np, 1, np, puc);
   }
   if (finals) f.dumpMatrix("thetatrue" + in, 1, np, 0, nt, thetatrue);
   if (steps) {
-    dumpColumn(f, "thktrue" + in, np, thktrue);
-    dumpColumn(f, "pucthetak" + in, np, pucthetak);
-    dumpColumn(f, "thk1k1" + in, np, thk1k1);
+    f.dumpColumn("thktrue" + in, np, thktrue);
+    f.dumpColumn("pucthetak" + in, np, pucthetak);
+    f.dumpColumn("thk1k1" + in, np, thk1k1);
   }
   return trace.ok();
 }

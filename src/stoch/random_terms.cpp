@@ -19,6 +19,7 @@
 #include <string>
 #include <utility>
 
+#include "io/number_format.h"
 #include "model/conversion.h"
 #include "model/options.h"
 #include "numeric/matrix_ops.h"
@@ -71,17 +72,6 @@ void warnIfFirstBelowEps(int k, const Mat& a, double eps, const char* subject, b
                          Prompter& prompter) {
   if (firstElementBelowEps(k, a, eps))
     prompter.inform(covarianceWarning(subject, perPeriod), "MonteCarlo", Icon::Exclamation);
-}
-
-// printf-style text of any length.
-template <typename T>
-std::string formatted(const char* format, const char* label, T value) {
-  const int size = std::snprintf(nullptr, 0, format, label, value);
-  if (size <= 0) return {};
-  std::string out(static_cast<std::size_t>(size) + 1, '\0');
-  std::snprintf(out.data(), out.size(), format, label, value);
-  out.resize(static_cast<std::size_t>(size));
-  return out;
 }
 
 // A double truncated toward zero to 32 bits. A value the 32-bit range cannot hold (or not a
@@ -468,9 +458,10 @@ void chooseRandomSource(const Model& model, const RandomSources& src, RandomTerm
 }
 
 int writeSeedLines(DebugFile& file, const RandomState& state) {
-  file.write(formatted("\r\n\r\n\r\n%s%f", " Monte Carlo seed for Quarns' generator = ",
-                       static_cast<double>(state.quarnsSeed)));
-  file.write(formatted("\r\n\r\n\r\n%s%d", " Monte Carlo seed for VX generator = ", state.vxSeed));
+  file.write(formatLabelled("\r\n\r\n\r\n%s%f", " Monte Carlo seed for Quarns' generator = ",
+                            static_cast<double>(state.quarnsSeed)));
+  file.write(
+      formatLabelled("\r\n\r\n\r\n%s%d", " Monte Carlo seed for VX generator = ", state.vxSeed));
   return file.isOpen() ? file.ok() : 0;
 }
 

@@ -3,22 +3,18 @@
 #include <cstdio>
 #include <string>
 
+#include "io/number_format.h"
 #include "model/options.h"
 #include "numeric/matrix_ops.h"
 #include "solve/model_input.h"
 #include "solve/qlp.h"
 #include "stoch/compare.h"
 #include "stoch/one_period.h"
+#include "stoch/run_trace.h"
 
 namespace ovaro {
 
 namespace {
-
-std::string formatted(const char* format, const char* text, int value) {
-  char buf[256];
-  std::snprintf(buf, sizeof buf, format, text, value);
-  return buf;
-}
 
 // One run: the rule applied to the known state, the Model's own system, the drawn noise.
 int SolveStochWoUpHcfr(const SystemArrays& sys, const Mat& x0, const Mat& g, const Mat& glc,
@@ -31,7 +27,7 @@ int SolveStochWoUpHcfr(const SystemArrays& sys, const Mat& x0, const Mat& g, con
   for (int k = 0; k <= nt - 1; ++k) {
     if (trace.on(SolveTopic::RunHeadings))
       trace.file().write(
-          formatted("\r\n\r\n%s%d", " SolveStochWoUpHcfr - major time loop   k = ", k));
+          formatLabelled("\r\n\r\n%s%d", " SolveStochWoUpHcfr - major time loop   k = ", k));
     ctx.hcfr = true;
     CompUOnePeriod(n, m, g, glc, xk, uk, ctx, trace);
     ctx.hcfr = false;
@@ -70,16 +66,9 @@ UpdatingResult maincompareWoUpdating(const Model& model, const UpdatingSettings&
   result.m = m;
   result.nt = nt;
   DebugFile* file = settings.file;
-  DebugSwitches switches = settings.debug.switches;
-  SolveTrace trace = monteCarloTrace(file, switches);
+  SolveTrace trace = monteCarloTrace(file, settings.debug.switches);
   if (file != nullptr) {
-    file->writeTitle(" Debug Print File ", model.acronym, model.name);
-    const DebugSize sizes[] = {{" State Variables, n ", n},
-                               {" Control Variables, m ", m},
-                               {" Exogenous Variables, l ", model.dims.l.value},
-                               {" Uncertain Parameters, np ", model.dims.np.value},
-                               {" Time Periods, nt ", nt}};
-    file->writeSizes(sizes);
+    writeDebugHeading(*file, " Debug Print File ", model);
     writeSeedLines(*file, random);
     if (file->failed()) return result;
   }
@@ -107,30 +96,12 @@ UpdatingResult maincompareWoUpdating(const Model& model, const UpdatingSettings&
   result.utws = crit.utws;
   PeriodContext ctx;
   ctx.method = "HCFR";
-  DebugSwitches saved;
   progress.start(nmc);
   auto cancelled = [&] { return settings.cancel != nullptr && settings.cancel->load(); };
   int started = 0;
   for (int run = 1; run <= nmc && trace.ok() && !cancelled(); ++run) {
     started = run;
-    auto allOff = [&] {
-      switches.clear();
-      switches.set(DebugSwitch::ResultsMonteCarloSummary);
-    };
-    if (run == 2) allOff();
-    if (settings.debug.runSelection == DebugRunSelection::RunNumber) {
-      if (run == 1) {
-        saved = switches;
-        allOff();
-      }
-      if (run == settings.debug.runNumber) {
-        switches = saved;
-        if (file != nullptr)
-          file->write(formatted("\r\n\r\n\r\n%s%d", " Print for Monte Carlo run i = ", run));
-      }
-      if (run == settings.debug.runNumber + 1) allOff();
-    }
-    trace = monteCarloTrace(file, switches);
+    trace = runTrace(file, settings.debug, run);
     progress.step();
     if (generate) MonteCarloXsis(random, src, xsis, prompter, trace);
     ctx.run = run;
