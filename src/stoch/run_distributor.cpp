@@ -110,10 +110,12 @@ std::string RunRecordReader::getString() {
 }
 
 Mat RunRecordReader::getMat() {
+  // An empty range keeps its bounds: a model without uncertain parameters has 0 rows of
+  // periods 0..nt.
   const int rlo = getInt(), rhi = getInt(), clo = getInt(), chi = getInt();
-  const long long cells = static_cast<long long>(rhi - rlo + 1) * (chi - clo + 1);
-  if (rhi < rlo || chi < clo) return Mat();
-  if (cells * static_cast<long long>(sizeof(double)) > static_cast<long long>(bytes_.size() - at_))
+  const long long rows = std::max(0, rhi - rlo + 1), cols = std::max(0, chi - clo + 1);
+  if (rows * cols * static_cast<long long>(sizeof(double)) >
+      static_cast<long long>(bytes_.size() - at_))
     throw std::runtime_error("a run record from another process is cut short");
   Mat value = mat2(rlo, rhi, clo, chi);
   for (int i = rlo; i <= rhi; ++i)
