@@ -21,22 +21,17 @@ mpi=(mpirun --oversubscribe)
 out=$(mktemp -d)
 trap 'rm -rf "$out"' EXIT
 bad=0
-one() {  # NAME COMMAND...: run, keep stdout, stderr and the exit code
-  local name=$1
+one() {  # NAME COMMAND...: keep stdout, stderr and the exit code
+  local name=$1 rc=0
   shift
-  local rc=0
   "$@" >"$out/$name.out" 2>"$out/$name.err" || rc=$?
   echo "$rc" >"$out/$name.rc"
 }
 same() {  # REFERENCE OTHER [prefix]: with "prefix", OTHER's stderr may go on after REFERENCE's
   for part in out err rc; do
-    local limit=()
-    [ "$part" = err ] && [ "${3:-}" = prefix ] && limit=(-n "$(stat -c %s "$out/$1.err")")
-    if ! cmp -s "${limit[@]}" "$out/$1.$part" "$out/$2.$part"; then
-      echo "mpi-check: $2 differs from $1 ($part):" >&2
-      diff "$out/$1.$part" "$out/$2.$part" | head -5 >&2 || true
-      bad=1
-    fi
+    local n=()
+    [ "$part.${3:-}" = err.prefix ] && n=(-n "$(stat -c %s "$out/$1.err")")
+    cmp -s "${n[@]}" "$out/$1.$part" "$out/$2.$part" || { echo "mpi-check: $2 differs from $1 ($part)" >&2; bad=1; }
   done
 }
 for model in "${models[@]}"; do
