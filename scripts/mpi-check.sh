@@ -11,26 +11,22 @@ runs=${MPI_CHECK_RUNS:-50}
 # parameters, and one with the policy-to-parameter effect.
 models=(learn1 fwdnz1 tvp1 credib2)
 
-command -v mpirun >/dev/null || { echo "mpi-check: mpirun not found (scripts/bootstrap.sh)" >&2; exit 1; }
 # Containers and CI machines often run as root, which mpirun refuses unless told; the machine
 # may also have fewer cores than processes.
 export OMPI_ALLOW_RUN_AS_ROOT=1 OMPI_ALLOW_RUN_AS_ROOT_CONFIRM=1
-export OMPI_MCA_rmaps_base_oversubscribe=1
 mpi=(mpirun --oversubscribe)
 
 out=$(mktemp -d)
 trap 'rm -rf "$out"' EXIT
 bad=0
 one() {  # NAME COMMAND...: keep stdout, stderr and the exit code
-  local name=$1 rc=0
-  shift
+  local name=$1 rc=0 && shift
   "$@" >"$out/$name.out" 2>"$out/$name.err" || rc=$?
   echo "$rc" >"$out/$name.rc"
 }
 same() {  # REFERENCE OTHER [prefix]: with "prefix", OTHER's stderr may go on after REFERENCE's
   for part in out err rc; do
-    local n=()
-    [ "$part.${3:-}" = err.prefix ] && n=(-n "$(stat -c %s "$out/$1.err")")
+    local n=() && [ "$part.${3:-}" = err.prefix ] && n=(-n "$(stat -c %s "$out/$1.err")")
     cmp -s "${n[@]}" "$out/$1.$part" "$out/$2.$part" || { echo "mpi-check: $2 differs from $1 ($part)" >&2; bad=1; }
   done
 }
