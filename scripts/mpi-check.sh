@@ -16,8 +16,7 @@ models=(learn1 fwdnz1 tvp1 credib2)
 export OMPI_ALLOW_RUN_AS_ROOT=1 OMPI_ALLOW_RUN_AS_ROOT_CONFIRM=1
 mpi=(mpirun --oversubscribe)
 
-out=$(mktemp -d)
-trap 'rm -rf "$out"' EXIT
+out=$(mktemp -d) && trap 'rm -rf "$out"' EXIT
 bad=0
 one() {  # NAME COMMAND...: keep stdout, stderr and the exit code
   local name=$1 rc=0 && shift
@@ -44,5 +43,4 @@ done
 one missing-serial "$cli" compare examples/no-such-model.ovi --methods ce --json
 one missing-mpi2 "${mpi[@]}" -n 2 "$cli" compare examples/no-such-model.ovi --methods ce --json
 same missing-serial missing-mpi2 prefix
-[ "$bad" = 0 ] && echo "mpi-check: ${#models[@]} models, $runs runs: mpirun -n 2 and -n 3 and two threads print the same bytes as one process"
-exit "$bad"
+[ "$bad" = 0 ] && echo "mpi-check: ${#models[@]} models, $runs runs: mpirun -n 2 and -n 3 and two threads print the same bytes as one process"; exit "$bad"
