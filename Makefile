@@ -9,7 +9,7 @@ DEFAULT_EXAMPLE ?= examples/track1.ovi
 CLI = build/default/src/app/ovaro-cli
 GUI = build/default/src/app/ovaro
 
-.PHONY: run test bootstrap build check-layers check-format test-default test-asan fuzz bench screenshots clean
+.PHONY: run test bootstrap build check-layers check-format test-default check-mpi test-asan fuzz bench screenshots clean
 
 # With a display, the workbench opens on the default example; without one (a plain terminal, CI),
 # the batch tool solves it by QLP and prints the table.
@@ -30,7 +30,7 @@ build: bootstrap
 	@cmake --preset default >/dev/null
 	@cmake --build --preset default -j $(JOBS)
 
-test: check-layers check-format test-default test-asan fuzz
+test: check-layers check-format test-default check-mpi test-asan fuzz
 
 # A source layer includes only its own and lower layers; no Qt below src/ui.
 check-layers:
@@ -42,6 +42,10 @@ check-format: bootstrap
 
 test-default: build
 	@ctest --preset default -j $(JOBS)
+
+# Comparisons under mpirun with two and three processes print the same bytes as one process.
+check-mpi: build
+	@scripts/mpi-check.sh
 
 test-asan: bootstrap
 	@cmake --preset asan >/dev/null

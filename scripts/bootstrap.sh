@@ -19,6 +19,8 @@ packages=(
   qt6-base-dev
   qt6-svg-dev
   fonts-dejavu-core
+  libopenmpi-dev
+  openmpi-bin
 )
 
 missing=()

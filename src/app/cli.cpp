@@ -28,6 +28,7 @@
 #include "results/solve_commands.h"
 #include "results/stochastic_commands.h"
 #include "results/workbench.h"
+#include "stoch/run_distributor.h"
 
 namespace ovaro::cli {
 
@@ -275,6 +276,7 @@ struct MonteCarloOptions {
   int printRun = 0;
   int format = 0;
   int threads = 0;
+  RunDistributor* distributor = nullptr;  // shares the runs with other processes (compare only)
 };
 
 // Sets up a workbench for a Monte Carlo command: the model, the seed, the debug file and switches.
@@ -299,6 +301,7 @@ int prepareMonteCarlo(const MonteCarloOptions& o, Workbench& wb, RecordingPrompt
   wb.random.quarnsSeed = static_cast<float>(o.seed);
   wb.resultsFormat = o.format;
   wb.threads = o.threads;
+  wb.runDistributor = o.debug.empty() ? o.distributor : nullptr;
   if (!o.debug.empty() && !wb.debugFile.open(o.debug)) {
     fileMessage(prompter, "Could not write file %s", o.debug);
     return failed();
@@ -430,7 +433,8 @@ int updating(const MonteCarloOptions& o, bool tty, std::ostream& out, std::ostre
 
 }  // namespace
 
-int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
+int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err,
+        RunDistributor* distributor) {
   CLI::App app{"Ovaro batch tool: quadratic-linear optimal control of small economic models.",
                "ovaro-cli"};
   app.require_subcommand(1);
@@ -534,6 +538,11 @@ int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
     return kExitUsage;
   }
 
+  // The other processes of an mpirun job only help with an untraced comparison's runs.
+  if (distributor != nullptr && distributor->rank() > 0 &&
+      !(compareCmd->parsed() && compareOptions.debug.empty()))
+    return kExitOk;
+  compareOptions.distributor = distributor;
   if (infoCmd->parsed()) return info(infoOptions, out, err);
   if (convertCmd->parsed()) return convert(convertOptions, err);
   if (transformCmd->parsed()) return transform(transformOptions, out, err);

@@ -13,8 +13,15 @@
 
 #include <iosfwd>
 
+namespace ovaro {
+class RunDistributor;
+}
+
 namespace ovaro::cli {
 
-int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err);
+// With a distributor of more than one process (mpirun), an untraced compare shares its runs
+// with the others; process 0 alone prints, and the other processes run no other command.
+int run(int argc, const char* const* argv, std::ostream& out, std::ostream& err,
+        RunDistributor* distributor = nullptr);
 
 }  // namespace ovaro::cli

@@ -1,7 +1,5 @@
-#include <iostream>
-
-#include "app/cli.h"
+#include "app/cli_process.h"
 
 int main(int argc, char** argv) {
-  return ovaro::cli::run(argc, argv, std::cout, std::cerr);
+  return ovaro::cli::runProcess(argc, argv);
 }

@@ -55,6 +55,7 @@ CompareSettings compareSettings(Workbench& wb, const MethodSelection& methods,
   settings.file = wb.debugFile.isOpen() ? &wb.debugFile : nullptr;
   settings.eps = wb.eps;
   settings.threads = wb.threads;
+  settings.distributor = wb.runDistributor;
   return settings;
 }
 

@@ -21,6 +21,7 @@
 #include "results/scenario_store.h"
 #include "solve/olf.h"
 #include "stoch/random_terms.h"
+#include "stoch/run_distributor.h"
 #include "stoch/updating.h"
 
 namespace ovaro {
@@ -76,6 +77,9 @@ class Workbench {
   RandomState random;
   // Threads for the untraced Monte Carlo runs (0: one per core). The results do not depend on it.
   int threads = 0;
+  // The other processes that share a comparison's untraced runs (the batch tool under mpirun);
+  // nullptr: this process alone, as in the workbench.
+  RunDistributor* runDistributor = nullptr;
   // The choice of "Methods for Stochastic w/o Updating". (The Compare method choice is the
   // results store's run flags.)
   UpdatingMethods updatingMethods;

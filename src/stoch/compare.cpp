@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
@@ -19,6 +20,7 @@
 #include "stoch/kalman.h"
 #include "stoch/monte_carlo_stats.h"
 #include "stoch/one_period.h"
+#include "stoch/run_distributor.h"
 
 namespace ovaro {
 
@@ -313,19 +315,61 @@ int threadCount(const CompareSettings& settings) {
   return cores > 0 ? static_cast<int>(cores) : 1;
 }
 
+// What a run solved by another process hands back: its messages, its warning flags and the
+// paths and criterion of each selected method.
+void writeRun(const MethodSelection& selected, const RunSlot& slot, RunRecordWriter& w) {
+  w.put(static_cast<int>(slot.runMessages.messages().size()));
+  for (const Message& message : slot.runMessages.messages()) w.put(message);
+  w.put(slot.pctx.divisionWarning);
+  w.put(slot.flags.forwardFailure);
+  for (std::size_t k = 0; k < kMethodCount; ++k) {
+    if (!selected[k]) continue;
+    const RunPaths& p = slot.paths[k];
+    w.put(p.xs);
+    w.put(p.us);
+    w.put(p.thetas);
+    w.put(p.thetatrue);
+    w.put(p.criterion);
+  }
+}
+
+void readRun(const MethodSelection& selected, RunRecordReader& r, RunSlot& slot) {
+  for (int count = r.getInt(); count > 0; --count) slot.runMessages.show(r.getMessage());
+  slot.pctx.divisionWarning = r.getBool();
+  slot.flags.forwardFailure = r.getBool();
+  for (std::size_t k = 0; k < kMethodCount; ++k) {
+    if (!selected[k]) continue;
+    RunPaths& p = slot.paths[k];
+    p.xs = r.getMat();
+    p.us = r.getMat();
+    p.thetas = r.getMat();
+    p.thetatrue = r.getMat();
+    p.criterion = r.getDouble();
+  }
+}
+
 // The untraced run loop. Runs are taken in batches: the terms of a batch are drawn in run order
 // on this thread (the stream and its accumulators see exactly the serial sequence), the batch's
 // runs are solved on the threads, and then each run's messages, flags and paths are taken in run
 // order. Messages raised inside the runs are all plain notices, so holding them back changes no
 // answer. Nothing here writes a debug file, so nothing can fail.
+//
+// With other processes sharing the runs, every process draws every run of the batch (that is
+// how it reaches the stream position of its own runs), solves its slice of the batch and sends
+// it to process 0, which alone records. Returns false in a process other than 0.
 template <typename Record>
-void parallelRuns(int nmc, const CompareSettings& settings, const CompareSetup& s, bool generate,
+bool parallelRuns(int nmc, const CompareSettings& settings, const CompareSetup& s, bool generate,
                   RandomState& random, RandomSources& src, RandomTerms& terms,
                   RandomAccumulators& acc, PeriodContext& pctx, RunFlags& flags, Prompter& prompter,
                   Progress& progress, Record& recordRun,
                   std::array<RunPaths, kMethodCount>& lastRun) {
   const int threads = std::max(1, std::min(threadCount(settings), nmc));
-  const int batch = std::max(1, std::min(nmc, 8 * threads));
+  RunDistributor* const shared = settings.distributor;
+  const RunShares shares = shared != nullptr ? shared->join(true, nmc, threadCount(settings))
+                                             : RunShares::alone(threads);
+  const bool recorder = shares.rank == 0;
+  if (shares.weights[static_cast<std::size_t>(shares.rank)] == 0) return recorder;
+  const int batch = std::max(1, std::min(nmc, 8 * shares.total()));
   std::vector<RunSlot> slots(static_cast<std::size_t>(batch));
   const SolveTrace untraced;
   for (int first = 1; first <= nmc; first += batch) {
@@ -339,9 +383,10 @@ void parallelRuns(int nmc, const CompareSettings& settings, const CompareSetup& 
       slot.pctx = PeriodContext{};
       slot.flags = RunFlags{};
     }
-    std::atomic<int> next{0};
+    const auto [own, end] = shares.slice(shares.rank, count);
+    std::atomic<int> next{own};
     auto work = [&] {
-      for (int i = next++; i < count; i = next++) {
+      for (int i = next++; i < end; i = next++) {
         RunSlot& slot = slots[static_cast<std::size_t>(i)];
         runSelectedMethods(first + i, settings.methods, s, slot.terms, slot.pctx, slot.flags,
                            slot.runMessages, untraced, slot.paths);
@@ -349,11 +394,27 @@ void parallelRuns(int nmc, const CompareSettings& settings, const CompareSetup& 
     };
     {
       std::vector<std::jthread> pool;
-      for (int t = 1; t < std::min(threads, count); ++t) pool.emplace_back(work);
+      for (int t = 1; t < std::min(threads, end - own); ++t) pool.emplace_back(work);
       work();
     }
+    if (!recorder) {
+      RunRecordWriter w;
+      for (int i = own; i < end; ++i)
+        writeRun(settings.methods, slots[static_cast<std::size_t>(i)], w);
+      shared->sendToFirst(w.bytes());
+      continue;
+    }
+    for (int r = 1; r < static_cast<int>(shares.weights.size()); ++r) {
+      if (shares.weights[static_cast<std::size_t>(r)] == 0) continue;
+      const RunBytes bytes = shared->receiveFrom(r);
+      RunRecordReader reader(bytes);
+      const auto [from, to] = shares.slice(r, count);
+      for (int i = from; i < to; ++i)
+        readRun(settings.methods, reader, slots[static_cast<std::size_t>(i)]);
+      if (!reader.atEnd()) throw std::runtime_error("a run record from another process is damaged");
+    }
     for (int i = 0; i < count; ++i) {
-      if (cancelled(settings)) return;
+      if (cancelled(settings)) return true;
       RunSlot& slot = slots[static_cast<std::size_t>(i)];
       progress.step();
       replay(slot.drawMessages, prompter);
@@ -364,6 +425,7 @@ void parallelRuns(int nmc, const CompareSettings& settings, const CompareSetup& 
       if (first + i == nmc) lastRun = std::move(slot.paths);
     }
   }
+  return recorder;
 }
 
 constexpr const char* kQWarning =
@@ -550,9 +612,10 @@ CompareResult maincompare(const Model& model, const CompareSettings& settings, R
   // Without a debug file the runs go to a pool of threads: their terms are drawn here in run
   // order as always, and what they return is added up in run order, so the result is the same to
   // the bit whatever the number of threads. A traced comparison stays on this thread, in order.
-  if (file == nullptr) {
-    parallelRuns(nmc, settings, s, generate, random, src, terms, acc, pctx, flags, prompter,
-                 progress, recordRun, result.lastRun);
+  if (file == nullptr && !parallelRuns(nmc, settings, s, generate, random, src, terms, acc, pctx,
+                                       flags, prompter, progress, recordRun, result.lastRun)) {
+    result.status = 0;  // a helper process: its runs went to process 0, which keeps the result
+    return result;
   }
   for (int run = 1; file != nullptr && run <= nmc && !file->failed() && !cancelled(settings);
        ++run) {

@@ -24,6 +24,8 @@
 
 namespace ovaro {
 
+class RunDistributor;
+
 inline constexpr int kMethodCount = 5;
 enum MethodIndex { kHcfr = 0, kCe = 1, kCeWo = 2, kOlf = 3, kOlIn = 4 };
 inline constexpr std::array<const char*, kMethodCount> kMethodNames = {"HCFR", "CE", "CEWO", "OLF",
@@ -74,6 +76,9 @@ struct CompareSettings {
   DebugFile* file = nullptr;  // the open debug file of "Compare: Print", or nullptr
   double eps = 0.0;           // machine epsilon
   int threads = 0;            // threads for the untraced runs; 0: one per core
+  // The other processes that share the untraced runs (mpirun); nullptr: this process alone.
+  // Only process 0's result is kept; the others return status 0 after their share.
+  RunDistributor* distributor = nullptr;
   // When set and true, the comparison stops after the run in hand and keeps nothing.
   const std::atomic<bool>* cancel = nullptr;
 };

@@ -31,6 +31,7 @@
 #include "ui/dialogs/examples_browser.h"
 #include "ui/dialogs/matrix_entry.h"
 #include "ui/dialogs/model_commands.h"
+#include "ui/dialogs/threads_dialog.h"
 #include "ui/menu_table.h"
 #include "ui/option_dialogs.h"
 #include "ui/plots/plot_commands.h"
@@ -389,6 +390,10 @@ void MainWindow::registerCommands() {
   });
   on(cmd::kPrefSeed, [this] {
     SeedDialog dialog(wb_.random, this);
+    runDialog(dialog);
+  });
+  on(cmd::kPrefThreads, [this] {
+    ThreadsDialog dialog(wb_.threads, this);
     runDialog(dialog);
   });
   // The font chooser is a placeholder that always reports cancellation.

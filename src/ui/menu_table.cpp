@@ -149,7 +149,8 @@ std::vector<MenuNode> buildMenu() {
             toggle(cmd::kPrefDebugImported, "Debug Print for Imported Matrices", true),
             toggle(cmd::kPrefWarnings, "Warning Messages", true), separator(),
             item(cmd::kPrefCaution, "Caution Experiment ..."),
-            item(cmd::kPrefSeed, "Seed for Monte Carlo Generator")}));
+            item(cmd::kPrefSeed, "Seed for Monte Carlo Generator"),
+            item(cmd::kPrefThreads, "Threads for Monte Carlo runs...")}));
   bar.push_back(menu("&Character", {item(cmd::kFont, "&Font...")}));
   bar.push_back(menu("&Help", {item(cmd::kHelp, "&Help"), item(cmd::kAbout, "&About Ovaro..")}));
   return bar;

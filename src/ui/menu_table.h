@@ -41,6 +41,7 @@ inline constexpr int kTransFormHeading = 224, kTransStochHeading = 225, kTransSi
 inline constexpr int kPrefResults = 167, kPrefImportColumns = 2900, kPrefScenarioQuestion = 2916,
                      kPrefDebugImported = 2908, kPrefWarnings = 168, kPrefCaution = 169,
                      kPrefSeed = 2912;
+inline constexpr int kPrefThreads = 4108;  // threads for the Monte Carlo runs
 inline constexpr int kFont = 170, kHelp = 180, kAbout = 190;
 }  // namespace cmd
 

@@ -7,6 +7,7 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QSettings>
+#include <QSpinBox>
 #include <QStatusBar>
 #include <QTest>
 
@@ -120,11 +121,18 @@ TEST(MainWindowSession, ShortcutsModifiedMarkAndWhatARestartKeeps) {
       QTest::keySequence(h.w.get(), QKeySequence(key));
     EXPECT_EQ(h.p.fileRequests().size(), 2u);  // Open, then Save As (Save wrote without asking)
     EXPECT_TRUE(h.resultsShown());             // F5 solved
+    h.w->setDialogRunner([](QDialog& d) {      // Preferences: Threads for Monte Carlo runs
+      d.findChild<QSpinBox*>("threads")->setValue(3);
+      return d.accept(), static_cast<int>(QDialog::Accepted);
+    });
+    h.w->dispatch(4108);
+    EXPECT_EQ(h.w->workbench().threads, 3);
     EXPECT_TRUE(h.w->close());
   }
   Window h;
   h.w->useSettings(&settings);
   EXPECT_EQ(h.w->geometry().size(), QSize(640, 420));
+  EXPECT_EQ(h.w->workbench().threads, 3);
   auto* menu = h.w->findChild<QMenu*>("RecentFiles");
   ASSERT_TRUE(menu != nullptr && menu->actions().size() == 1);
   menu->actions()[0]->trigger();

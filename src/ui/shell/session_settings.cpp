@@ -21,6 +21,7 @@ constexpr const char* kParameters = "results/parameters";
 constexpr const char* kColumns = "results/periodsAsColumns";
 constexpr const char* kOpenDir = "dialogs/openDirectory";
 constexpr const char* kSaveDir = "dialogs/saveDirectory";
+constexpr const char* kThreads = "monteCarlo/threads";
 }  // namespace
 
 QStringList recentFiles(const QSettings& settings) {
@@ -47,6 +48,7 @@ void saveSession(QSettings& settings, const QMainWindow& window, const QSplitter
   settings.setValue(kDesired, wb.results.display.desiredPaths);
   settings.setValue(kParameters, wb.results.display.parameters);
   settings.setValue(kColumns, wb.results.display.periodsAsColumns);
+  settings.setValue(kThreads, wb.threads);
   if (prompter != nullptr) {
     settings.setValue(kOpenDir, prompter->lastDirectory(FileRequest::Kind::Open));
     settings.setValue(kSaveDir, prompter->lastDirectory(FileRequest::Kind::Save));
@@ -65,6 +67,9 @@ void restoreSession(const QSettings& settings, QMainWindow& window, QSplitter& s
   d.parameters = settings.value(kParameters, d.parameters).toBool();
   d.periodsAsColumns = settings.value(kColumns, d.periodsAsColumns).toBool();
   d.periodsAsRows = !d.periodsAsColumns;
+  // A damaged store's count is ignored: every core.
+  const int threads = settings.value(kThreads, wb.threads).toInt();
+  wb.threads = threads >= 0 && threads <= 1024 ? threads : 0;
   if (prompter != nullptr) {
     prompter->setLastDirectory(FileRequest::Kind::Open, settings.value(kOpenDir).toString());
     prompter->setLastDirectory(FileRequest::Kind::Save, settings.value(kSaveDir).toString());

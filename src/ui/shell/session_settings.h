@@ -1,6 +1,6 @@
 // What the workbench remembers from one session to the next, kept in a QSettings store: where
-// the window was and how it was split, the results preferences, the directories of the last file
-// dialogs and the model files opened or saved last.
+// the window was and how it was split, the results preferences, the threads for the Monte Carlo
+// runs, the directories of the last file dialogs and the model files opened or saved last.
 //
 // The start-up defaults of a model are not touched by this: a new or cleared model starts as it
 // always has. What is remembered is where the user left the workbench.
