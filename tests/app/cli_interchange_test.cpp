@@ -64,17 +64,5 @@ TEST(CliImportMatrix, FillsTheCellsInColumnBlocksAndRefusesALongToken) {
   EXPECT_FALSE(std::filesystem::exists(dir.file("no.ovi")));
 }
 
-TEST(CliExport, VeldpcRefusesAModelInOtherFormsAndWritesNothing) {
-  testing::TempDir dir;
-  const auto r =
-      runCli({"export", example("track1.ovi"), dir.file("t.pc"), "--format", "veldpc", "--json"});
-  EXPECT_EQ(r.code, 1);
-  const json j = json::parse(r.out);
-  EXPECT_FALSE(j["ok"].get<bool>());
-  EXPECT_EQ(j["messages"][0]["text"],
-            "Exogenous Variable Specification Not As Reguired for VELDPC.");
-  EXPECT_FALSE(std::filesystem::exists(dir.file("t.pc")));
-}
-
 }  // namespace
 }  // namespace ovaro

@@ -59,20 +59,6 @@ TEST(CliPlot, JsonGivesTheScalingLabelsAndPositionsOfItsSeries) {
   EXPECT_EQ(j["period_labels"].size(), 9u);  // periods 0..P-2
 }
 
-TEST(CliPlot, RefusesWhatNoPlotShows) {
-  const std::vector<std::vector<std::string>> bad = {
-      {"--method", "hcfr,cewo", "--kind", "states", "--variable", "1", "--path", "opt"},
-      {"--method", "qlp", "--kind", "parameters", "--variable", "1", "--path", "opt"},
-      {"--method", "qlp", "--kind", "states", "--variable", "9", "--path", "opt"},
-      {"--method", "qlp", "--kind", "states", "--variable", "1", "--bands"}};
-  for (std::vector<std::string> args : bad) {
-    args.insert(args.begin(), {"plot", example("learn1.ovi")});
-    const auto r = runCli(args);
-    EXPECT_EQ(r.code, 2) << args[3];
-    EXPECT_NE(r.err.find("ovaro-cli: "), std::string::npos);
-  }
-}
-
 TEST(CliPlot, BandsHoldTheMedianBetweenTheirQuantiles) {
   const auto r = runCli({"plot", example("learn1.ovi"), "--method", "ce,olf", "--kind", "controls",
                          "--variable", "1", "--bands", "--runs", "12", "--json"});
@@ -85,28 +71,6 @@ TEST(CliPlot, BandsHoldTheMedianBetweenTheirQuantiles) {
       EXPECT_LE(b["q10"][t].get<double>(), b["median"][t].get<double>());
       EXPECT_LE(b["median"][t].get<double>(), b["q90"][t].get<double>());
     }
-}
-
-// The summary agrees with the run criteria printed beside it.
-TEST(CliPlot, CompareSummaryPairsTheRunCriteria) {
-  const auto r =
-      runCli({"compare", example("learn1.ovi"), "--methods", "ce,olf", "--runs", "8", "--json"});
-  ASSERT_EQ(r.code, 0) << r.err;
-  const json j = json::parse(r.out);
-  const std::vector<double> ce = j["criteria"]["CE"], olf = j["criteria"]["OLF"];
-  double mean = 0, ss = 0;
-  for (std::size_t i = 0; i < ce.size(); ++i) mean += (ce[i] - olf[i]) / 8;
-  for (std::size_t i = 0; i < ce.size(); ++i) ss += std::pow(ce[i] - olf[i] - mean, 2);
-  const json& pair = j["criterion_summary"]["pairs"][0];
-  EXPECT_EQ(pair["first"], "CE");
-  EXPECT_NEAR(pair["mean_difference"].get<double>(), mean, 1e-12);
-  EXPECT_NEAR(pair["standard_error"].get<double>(), std::sqrt(ss / 7 / 8), 1e-12);
-  const double half = 2.365 * std::sqrt(ss / 7 / 8);  // t(0.975, 7) = 2.365
-  EXPECT_NEAR(pair["ci95"][1].get<double>() - mean, half, 1e-3 * half);
-  std::vector<double> sorted = olf;
-  std::sort(sorted.begin(), sorted.end());
-  EXPECT_DOUBLE_EQ(j["criterion_summary"]["methods"]["OLF"]["median"].get<double>(),
-                   (sorted[3] + sorted[4]) / 2);
 }
 
 }  // namespace

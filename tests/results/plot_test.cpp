@@ -22,25 +22,15 @@ namespace {
 
 using testing::zeroSolution;
 
-struct FactorCase {
-  double mid;
-  double factor;
-};
-
-// Each step of the factor on both sides, at and inside its bounds.
+// Each step of the factor on both sides, at and inside its bounds, and the two quirks: the
+// negative side switches to 1000 below -1 already (so -0.5 takes it), and 0 takes 1e6.
 TEST(PlotScale, FactorFollowsTheMidpointStepByStep) {
-  const FactorCase cases[] = {
-      {5e-7, 1e6},  {1e-6, 1000}, {5e-4, 1000}, {0.001, 1},     {999.0, 1},    {1000, 0.001},
-      {5e5, 0.001}, {1e6, 1e-6},  {3e7, 1e-6},  {-3e7, 1e-6},   {-1e6, 0.001}, {-5000, 0.001},
-      {-1000, 1},   {-2, 1},      {-1, 1000},   {-0.002, 1000}, {-0.001, 1e6}, {-1e-5, 1e6}};
-  for (const FactorCase& c : cases) EXPECT_EQ(plotScaleFactor(c.mid), c.factor) << c.mid;
-}
-
-// The two quirks: the negative side switches to 1000 below -1 already, and 0 takes 1e6.
-TEST(PlotScale, ZeroAndMinusOneHalfKeepTheirQuirks) {
-  EXPECT_EQ(plotScaleFactor(0.0), 1e6);
-  EXPECT_EQ(plotScaleFactor(-0.5), 1000);
-  EXPECT_EQ(plotScaleFactor(0.5), 1);
+  const std::pair<double, double> cases[] = {
+      {5e-7, 1e6},    {1e-6, 1000}, {5e-4, 1000}, {0.001, 1},  {0.5, 1},     {999.0, 1},
+      {1000, 0.001},  {5e5, 0.001}, {1e6, 1e-6},  {3e7, 1e-6}, {-3e7, 1e-6}, {-1e6, 0.001},
+      {-5000, 0.001}, {-1000, 1},   {-2, 1},      {-1, 1000},  {-0.5, 1000}, {-0.002, 1000},
+      {-0.001, 1e6},  {-1e-5, 1e6}, {0.0, 1e6}};
+  for (const auto& [mid, factor] : cases) EXPECT_EQ(plotScaleFactor(mid), factor) << mid;
 }
 
 // Positions worked out by hand: A = 0 1 3 2 and B = 3 3 3 3 over four periods.

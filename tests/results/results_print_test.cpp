@@ -2,173 +2,110 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <stdexcept>
 #include <string>
 
-#include "support/model_fixtures.h"
 #include "support/solution_fixtures.h"
 #include "support/temp_dir.h"
+#include "support/test_data.h"
 
 namespace ovaro {
 namespace {
 
-// One state and one control over periods 0..2: x = 1, 2, 3 toward 4; u = 5, 6 toward 7.
-Solution tinySolution() {
-  Solution s = testing::zeroSolution("QLP", 1, 1, 2);
-  for (int t = 0; t <= 2; ++t) {
-    s.xs(1, t) = t + 1;
-    s.xtws(1, t) = 4;
+// Two states and two controls over periods 0..6: x_i(t) = 10 i + t toward -(10 i + t), u_i(t) =
+// 100 i + t toward -(100 i + t).
+Solution numbered() {
+  Solution s = testing::zeroSolution("OLFwo", 2, 2, 6);
+  for (int t = 0; t <= 6; ++t) {
+    for (int i = 1; i <= 2; ++i) {
+      s.xs(i, t) = 10 * i + t;
+      s.xtws(i, t) = -10 * i - t;
+      if (t < 6) s.us(i, t) = 100 * i + t, s.utws(i, t) = -100 * i - t;
+    }
   }
-  s.us(1, 0) = 5;
-  s.us(1, 1) = 6;
-  s.utws(1, 0) = 7;
-  s.utws(1, 1) = 7;
   return s;
 }
 
-// " %10.2f " of a value whose digits are given.
-std::string e(const std::string& digits) {
-  return " " + std::string(10 - digits.size(), ' ') + digits + " ";
-}
-
-struct PrintCase {
+// A debug file in the 00.00 format, and what it holds once closed.
+struct Dump {
   testing::TempDir dir;
   int format = 778;
   DebugFile file{&format};
-  RecordingPrompter prompter;
-  Model model;
   std::string path = dir.file("results.dbg");
-
-  PrintCase() { EXPECT_TRUE(file.open(path)); }
-  int print(std::array<int, 7> words, bool periodsAsRows, const Solution& s = tinySolution()) {
-    model.display.words = words;
-    return printResultsToDebugFile(model, s, periodsAsRows, file, prompter);
-  }
+  Dump() { EXPECT_TRUE(file.open(path)); }
   std::string written() {
     file.close();
     return testing::slurp(path);
   }
 };
 
-const std::string kOptDes = "\n resultsoptdes " + std::string("\n   ") + e("1.00") + e("2.00") +
-                            e("3.00") + "\n   " + e("4.00") + e("4.00") + e("4.00") + "\n   " +
-                            e("5.00") + e("6.00") + e("0.00") + "\n   " + e("7.00") + e("7.00") +
-                            e("0.00");
-const std::string kPlain = "\n results " + std::string("\n   ") + e("1.00") + e("2.00") +
-                           e("3.00") + "\n   " + e("5.00") + e("6.00") + e("0.00");
-const std::string kTransposed = "\n resultstransoptdes " + std::string("\n   ") + e("1.00") +
-                                e("4.00") + e("5.00") + e("7.00") + "\n   " + e("2.00") +
-                                e("4.00") + e("6.00") + e("7.00") + "\n   " + e("3.00") +
-                                e("4.00") + e("0.00") + e("0.00");
-
-TEST(ResultsPrint, OptimalAndDesiredTableWithPeriodsAsColumns) {
-  PrintCase c;
-  EXPECT_EQ(c.print({0, 0, 0, 0, 0, 1, 0}, false), 1);
-  EXPECT_EQ(c.written(), kOptDes);
-  EXPECT_TRUE(c.prompter.messages().empty());
-}
-
-TEST(ResultsPrint, OptimalAndDesiredTableTransposedWithPeriodsAsRows) {
-  PrintCase c;
-  EXPECT_EQ(c.print({0, 0, 0, 0, 0, 1, 0}, true), 1);
-  EXPECT_EQ(c.written(), kTransposed);
-  EXPECT_TRUE(c.prompter.messages().empty());
-}
-
-TEST(ResultsPrint, PlainTableOnlyWithPeriodsAsColumns) {
-  PrintCase c;
-  EXPECT_EQ(c.print({0, 0, 0, 0, 0, 0, 1}, false), 1);
-  EXPECT_EQ(c.print({0, 0, 0, 0, 0, 0, 1}, true), 1);
-  EXPECT_EQ(c.written(), kPlain);
-  ASSERT_EQ(c.prompter.messages().size(), 1u);
-  EXPECT_EQ(c.prompter.messages()[0].text, "This preference for results not yet implemented.");
-  EXPECT_EQ(c.prompter.messages()[0].caption, "Results");
-}
-
-TEST(ResultsPrint, BothTablesInOrderAndTheFirstOptionOnlyWarns) {
-  PrintCase c;
-  EXPECT_EQ(c.print({1, 1, 1, 1, 1, 1, 1}, false), 1);
-  EXPECT_EQ(c.written(), kOptDes + kPlain);
-  ASSERT_EQ(c.prompter.messages().size(), 1u);
-  EXPECT_EQ(c.prompter.messages()[0].caption, "Results");
-
-  PrintCase rows;
-  EXPECT_EQ(rows.print({0, 0, 0, 0, 1, 0, 0}, true), 1);
-  EXPECT_EQ(rows.written(), "");
-  EXPECT_EQ(rows.prompter.messages().size(), 1u);
-
-  // The first four words play no part.
-  PrintCase none;
-  EXPECT_EQ(none.print({1, 1, 1, 1, 0, 0, 0}, false), 1);
-  EXPECT_EQ(none.written(), "");
-  EXPECT_TRUE(none.prompter.messages().empty());
-}
-
-TEST(ResultsPrint, TablesHoldEveryPathInItsPlace) {
-  Solution s;
-  s.method = "OLFwo";
-  s.n = 2;
-  s.m = 2;
-  s.nt = 6;
-  s.xs = mat2(1, 2, 0, 6);
-  s.xtws = mat2(1, 2, 0, 6);
-  s.us = mat2(1, 2, 0, 5);
-  s.utws = mat2(1, 2, 0, 5);
-  for (int t = 0; t <= 6; ++t) {
-    for (int i = 1; i <= 2; ++i) {
-      s.xs(i, t) = 10 * i + t;
-      s.xtws(i, t) = -10 * i - t;
-      if (t < 6) {
-        s.us(i, t) = 100 * i + t;
-        s.utws(i, t) = -100 * i - t;
-      }
-    }
-  }
+// The optimal-and-desired table: per state its path and its desired path, then per control the
+// same, zero in the last period; the first option prints it periods across, transposed when
+// periods go down.
+TEST(ResultsPrint, TablesAreTheDumpsOfThePathsInTheirPlaces) {
+  const Solution s = numbered();
   const Mat od = optimalAndDesiredTable(s);
   ASSERT_EQ(od.rows(), 8);
   ASSERT_EQ(od.clo(), 0);
   ASSERT_EQ(od.chi(), 6);
+  Mat plain = mat2(1, 4, 0, 6), transposed = mat2(0, 6, 1, 8);
   for (int t = 0; t <= 6; ++t) {
     const double u1 = t < 6 ? 100 + t : 0, u2 = t < 6 ? 200 + t : 0;
-    const double d1 = t < 6 ? -100 - t : 0, d2 = t < 6 ? -200 - t : 0;
-    const double expected[8] = {10.0 + t, -10.0 - t, 20.0 + t, -20.0 - t, u1, d1, u2, d2};
-    for (int r = 1; r <= 8; ++r) EXPECT_EQ(od(r, t), expected[r - 1]) << r << "," << t;
+    const double expected[8] = {10.0 + t, -10.0 - t, 20.0 + t, -20.0 - t, u1, -u1, u2, -u2};
+    for (int r = 1; r <= 8; ++r) {
+      EXPECT_EQ(od(r, t), expected[r - 1]) << r << "," << t;
+      transposed(t, r) = od(r, t);
+      if (r % 2 == 1) plain((r + 1) / 2, t) = od(r, t);
+    }
   }
-
-  // The transposed print is the dump of the transposed table: seven rows of eight columns.
-  Mat transposed = mat2(0, 6, 1, 8);
-  for (int t = 0; t <= 6; ++t) {
-    for (int r = 1; r <= 8; ++r) transposed(t, r) = od(r, t);
+  Model model;
+  RecordingPrompter prompter;
+  // words[5]: the optimal-and-desired table; words[6]: the plain table, periods across only.
+  struct Case {
+    std::array<int, 7> words;
+    bool periodsAsRows;
+    const char* expectedDumps;
+    std::size_t messages;
+  };
+  const Case cases[] = {
+      {{0, 0, 0, 0, 0, 1, 0}, false, "od", 0}, {{0, 0, 0, 0, 0, 1, 0}, true, "transposed", 0},
+      {{0, 0, 0, 0, 0, 0, 1}, true, "", 1},    {{1, 1, 1, 1, 1, 1, 1}, false, "od plain", 1},
+      {{0, 0, 0, 0, 1, 0, 0}, true, "", 1},    {{1, 1, 1, 1, 0, 0, 0}, false, "", 0}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.expectedDumps);
+    Dump expected, got;
+    const std::string dumps = c.expectedDumps;
+    if (dumps.starts_with("od")) expected.file.dumpMatrix("resultsoptdes", 1, 8, 0, 6, od);
+    if (dumps == "transposed")
+      expected.file.dumpMatrix("resultstransoptdes", 0, 6, 1, 8, transposed);
+    if (dumps.ends_with("plain")) expected.file.dumpMatrix("results", 1, 4, 0, 6, plain);
+    model.display.words = c.words;
+    prompter.clear();
+    EXPECT_EQ(printResultsToDebugFile(model, s, c.periodsAsRows, got.file, prompter), 1);
+    EXPECT_EQ(got.written(), expected.written());
+    const std::vector<std::string> warned(
+        c.messages, "Results: This preference for results not yet implemented.");
+    EXPECT_EQ(testing::shown(prompter), warned);
   }
-  PrintCase reference;
-  ASSERT_EQ(reference.file.dumpMatrix("resultstransoptdes", 0, 6, 1, 8, transposed), 1);
-  PrintCase c;
-  EXPECT_EQ(c.print({0, 0, 0, 0, 0, 1, 0}, true, s), 1);
-  EXPECT_EQ(c.written(), reference.written());
 }
 
-TEST(ResultsPrint, FailedWritesReturnZero) {
+TEST(ResultsPrint, FailedWritesReturnZeroAndShortPathsAreRefused) {
   RecordingPrompter prompter;
   Model model;
   model.display.words = {0, 0, 0, 0, 0, 1, 0};
   DebugFile full;
   ASSERT_TRUE(full.open("/dev/full"));
-  EXPECT_EQ(printResultsToDebugFile(model, tinySolution(), false, full, prompter), 0);
+  EXPECT_EQ(printResultsToDebugFile(model, numbered(), false, full, prompter), 0);
   EXPECT_FALSE(full.isOpen());
-
   DebugFile closed;
-  EXPECT_EQ(printResultsToDebugFile(model, tinySolution(), true, closed, prompter), 0);
+  EXPECT_EQ(printResultsToDebugFile(model, numbered(), true, closed, prompter), 0);
   model.display.words = {0, 0, 0, 0, 0, 0, 0};
-  EXPECT_EQ(printResultsToDebugFile(model, tinySolution(), true, closed, prompter), 1);
-}
+  EXPECT_EQ(printResultsToDebugFile(model, numbered(), true, closed, prompter), 1);
 
-TEST(ResultsPrint, PathsShorterThanTheirSizesAreRefused) {
-  RecordingPrompter prompter;
-  Model model;
-  DebugFile file;
-  Solution s = tinySolution();
-  s.us = mat2(1, 1, 0, 0);
-  EXPECT_THROW(printResultsToDebugFile(model, s, false, file, prompter), std::invalid_argument);
+  Solution s = numbered();
+  s.us = mat2(1, 2, 0, 0);
+  EXPECT_THROW(printResultsToDebugFile(model, s, false, closed, prompter), std::invalid_argument);
   EXPECT_THROW(optimalAndDesiredTable(s), std::invalid_argument);
 }
 

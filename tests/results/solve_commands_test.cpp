@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <tuple>
 
 #include "model/model_file.h"
 #include "numeric/progress.h"
@@ -20,39 +21,29 @@ std::string example(const char* name) {
   return std::string(OVARO_SOURCE_DIR) + "/examples/" + name;
 }
 
+// Each solve stores its solution beside the others and selects its display; a refused solve
+// keeps what was shown and closes the debug file unwritten; a traced QLP solve with the second
+// results-print option writes the table after the heading.
 TEST(SolveCommands, EachSolveStoresItsSolutionAndSelectsItsDisplay) {
   RecordingPrompter prompter;
   NullProgress progress;
   Workbench wb(prompter, progress);
   ASSERT_EQ(readModelFile(example("learn1.ovi"), wb.model, prompter), 1);
-
-  ASSERT_TRUE(runSolveCommand(wb, kSolveQlp));
-  EXPECT_EQ(wb.shell.methodSelector, kSolveQlp);
-  EXPECT_EQ(wb.results.display.selector, 3300);
-  ASSERT_NE(wb.results.find("QLP"), nullptr);
-  const double qlpCriterion = wb.results.find("QLP")->solution.criterion;
-
-  ASSERT_TRUE(runSolveCommand(wb, kSolveOlf));
-  EXPECT_EQ(wb.shell.methodSelector, kSolveOlf);
-  EXPECT_EQ(wb.results.display.selector, 3304);
-  ASSERT_NE(wb.results.find("OLFwo"), nullptr);
-  // Both solutions are kept side by side; uncertainty about the multiplier costs something.
-  EXPECT_EQ(wb.results.find("QLP")->solution.criterion, qlpCriterion);
-  EXPECT_NE(wb.results.find("OLFwo")->solution.criterion, qlpCriterion);
-
-  // Solving QLP again shows QLP, not the older OLF solution.
-  ASSERT_TRUE(runSolveCommand(wb, kSolveQlp));
-  EXPECT_EQ(wb.results.display.selector, 3300);
+  for (const auto& [command, method, display] :
+       {std::tuple{kSolveQlp, "QLP", 3300}, {kSolveOlf, "OLFwo", 3304}, {kSolveQlp, "QLP", 3300}}) {
+    ASSERT_TRUE(runSolveCommand(wb, command));
+    EXPECT_EQ(wb.shell.methodSelector, command);
+    EXPECT_EQ(wb.results.display.selector, display);
+    ASSERT_NE(wb.results.find(method), nullptr);
+  }
+  // Uncertainty about the multiplier costs something.
+  EXPECT_NE(wb.results.find("OLFwo")->solution.criterion,
+            wb.results.find("QLP")->solution.criterion);
   EXPECT_TRUE(prompter.messages().empty());
-}
 
-TEST(SolveCommands, ARefusedSolveKeepsWhatWasShownAndClosesTheDebugFile) {
-  RecordingPrompter prompter;
-  NullProgress progress;
-  Workbench wb(prompter, progress);
   ASSERT_EQ(readModelFile(example("track1.ovi"), wb.model, prompter), 1);
+  wb.results.clear();
   ASSERT_TRUE(runSolveCommand(wb, kSolveQlp));
-
   TempDir dir;
   ASSERT_TRUE(wb.debugFile.open(dir.file("olf.dbg")));
   EXPECT_FALSE(runSolveCommand(wb, kSolveOlf));
@@ -63,7 +54,6 @@ TEST(SolveCommands, ARefusedSolveKeepsWhatWasShownAndClosesTheDebugFile) {
   EXPECT_EQ(wb.results.display.selector, 3300);
   EXPECT_EQ(wb.results.find("OLFwo"), nullptr);
 
-  // A traced QLP solve with the second results-print option writes the table after the heading.
   wb.model.display.words[5] = 1;
   ASSERT_TRUE(wb.debugFile.open(dir.file("qlp.dbg")));
   ASSERT_TRUE(runSolveCommand(wb, kSolveQlp));

@@ -10,30 +10,14 @@
 namespace ovaro {
 namespace {
 
-TEST(Workbench, StartsEmptyWithTheShellDefaults) {
-  RecordingPrompter prompter;
-  NullProgress progress;
-  Workbench wb(prompter, progress);
-  EXPECT_FALSE(wb.model.allocated);
-  EXPECT_EQ(wb.model.dims.n.text, "");
-  EXPECT_EQ(wb.model.flags.stochTerms, 0);
-  EXPECT_EQ(wb.shell.warningMessages, 1);
-  EXPECT_EQ(wb.shell.debugImportedMatrices, 1);
-  EXPECT_EQ(wb.shell.askScenarioQuestion, 0);
-  EXPECT_EQ(wb.shell.importMatrixColumns, 5);
-  EXPECT_EQ(wb.shell.methodSelector, kSolveQlp);
-  EXPECT_EQ(wb.eps, std::ldexp(1.0, -53));
-  EXPECT_EQ(wb.resultsFormat, 0);
-  EXPECT_EQ(wb.results.find("QLP"), nullptr);
-  EXPECT_FALSE(wb.debug.switches.any());
-  EXPECT_FALSE(wb.debugFile.isOpen());
-  EXPECT_TRUE(prompter.messages().empty());
-}
-
+// A reset is the start-up state of the model and the shell, but the results format and the debug
+// settings are the user's and stay.
 TEST(Workbench, ResetRestoresModelAndShellButKeepsFormatAndDebugSettings) {
   RecordingPrompter prompter;
   NullProgress progress;
   Workbench wb(prompter, progress);
+  const Workbench fresh(prompter, progress);
+  EXPECT_EQ(wb.eps, std::ldexp(1.0, -53));
   wb.model = testing::makeModel(testing::ModelShape{});
   wb.shell.warningMessages = 0;
   wb.shell.methodSelector = kSolveOlf;
@@ -42,9 +26,10 @@ TEST(Workbench, ResetRestoresModelAndShellButKeepsFormatAndDebugSettings) {
   wb.resetToDefaults();
   EXPECT_FALSE(wb.model.allocated);
   EXPECT_FALSE(wb.model.holds(MatrixId::A));
-  EXPECT_EQ(wb.shell, ShellPreferences{});
+  EXPECT_EQ(wb.shell, fresh.shell);
   EXPECT_EQ(wb.resultsFormat, 790);
   EXPECT_TRUE(wb.debug.switches.on(DebugSwitch::QlpKAndP));
+  EXPECT_TRUE(prompter.messages().empty());
 }
 
 TEST(Workbench, TwoWorkbenchesDoNotShareTheirNumberFormat) {

@@ -13,6 +13,7 @@
 #include <QTimer>
 #include <functional>
 #include <map>
+#include <tuple>
 
 #include "model/model_file.h"
 #include "support/temp_dir.h"
@@ -24,14 +25,10 @@
 namespace ovaro::ui {
 namespace {
 
-void type(QLineEdit* edit, const QString& text) {
-  ASSERT_NE(edit, nullptr);
-  edit->clear();
-  QTest::keyClicks(edit, text);
-}
+using test::type;
 
 int pressOk(QDialog& d) {
-  d.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
+  test::press(d, QDialogButtonBox::Ok);
   return d.result();
 }
 
@@ -43,8 +40,10 @@ TextMatrix filled(int rows, int cols) {
   return t;
 }
 
-// Blocks of four columns: the field of every cell exists and holds its text, whatever the shape.
-TEST(MatrixEditor, ShowsEveryCellInBlocksOfFourColumns) {
+// Blocks of four columns hold a field for every cell with its text, whatever the shape; text that
+// is not a plain number is marked with what it counts as; a block copied from a spreadsheet (tabs)
+// or a numerical session (blanks) fills the cells from the focused one, cut at the edges.
+TEST(MatrixEditor, ShowsMarksAndPastesCells) {
   test::qtApp();
   struct Case {
     int rows, cols, blocks;
@@ -54,50 +53,66 @@ TEST(MatrixEditor, ShowsEveryCellInBlocksOfFourColumns) {
     MatrixEditor editor({"A Matrix", {}, {}, cells});
     EXPECT_EQ(editor.windowTitle(), "A Matrix");
     EXPECT_EQ(editor.blockCount(), k.blocks) << k.rows << "x" << k.cols;
-    for (int r = 0; r < k.rows; ++r) {
-      for (int c = 0; c < k.cols; ++c) {
-        ASSERT_NE(editor.cellField(r, c), nullptr);
+    for (int r = 0; r < k.rows; ++r)
+      for (int c = 0; c < k.cols; ++c)
         EXPECT_EQ(editor.cellField(r, c)->text().toStdString(), cells.cell(r, c));
-      }
-    }
+  }
+  for (auto [text, plain, countsAs] : {std::tuple{"0.95", true, 0.95},
+                                       {" -1.5E+03 ", true, -1500.0},
+                                       {".5", true, 0.5},
+                                       {"abc", false, 0.0},
+                                       {"3abc", false, 3.0},
+                                       {"", false, 0.0},
+                                       {"1e", false, 1.0},
+                                       {"1,5", false, 1.0}}) {
+    EXPECT_EQ(readCell(text).plainNumber, plain) << text;
+    EXPECT_DOUBLE_EQ(readCell(text).countsAs, countsAs) << text;
+  }
+  MatrixEditor marked({"A Matrix", {}, {}, TextMatrix(1, 2)});
+  type(marked.cellField(0, 1), "x");
+  EXPECT_EQ(marked.markedCount(), 1);
+  EXPECT_TRUE(marked.cellField(0, 1)->toolTip().contains("count as 0"));
+  EXPECT_TRUE(marked.cellField(0, 0)->toolTip().isEmpty());
+
+  for (const char* clip : {"1\t2\t3\n4\t5\t6\n7\t8\t9\n", "  1  2  3\r\n  4  5  6\r\n 7 8 9"}) {
+    MatrixEditor editor({"A Matrix", {}, {}, TextMatrix(3, 3)});
+    editor.cellField(1, 1)->setFocus();
+    QApplication::processEvents();
+    QEvent focus(QEvent::FocusIn);
+    QApplication::sendEvent(editor.cellField(1, 1), &focus);
+    QApplication::clipboard()->setText(QString::fromUtf8(clip));
+    editor.editCommand(editor_ids::kPaste);  // the Edit menu's Paste
+    editor.accept();
+    TextMatrix expected(3, 3);
+    for (auto [r, c, text] : {std::tuple{1, 1, "1"}, {1, 2, "2"}, {2, 1, "4"}, {2, 2, "5"}})
+      expected.setCell(r, c, text);
+    EXPECT_EQ(editor.copy(), expected) << clip;
   }
 }
 
-// Only OK moves the typed texts into the edit; Cancel or an edit ended without OK writes back the
-// cells as they were. Typing stops at the 15 characters a cell holds.
+// Only OK moves the typed texts (cut at the 15 characters a cell holds) into the edit; Cancel
+// writes back the cells as they were. Undriven, the edit waits for the "Finished Editing" box.
 TEST(MatrixEditor, WritesBackOnlyWhatOkRead) {
   test::qtApp();
-  for (bool pressOkFirst : {true, false}) {
+  for (const char* button : {"button1", "button200"}) {
     TextMatrix target = filled(2, 2);
-    const TextMatrix before = target;
+    TextMatrix expected = target;
     editMatrix(target, "B Matrix", {"x1", "x2"}, {"u1", "u2"}, [&](MatrixEditor& e) {
       type(e.cellField(1, 0), "1.0E-06");
       type(e.cellField(0, 1), "12345678901234567890");
-      if (pressOkFirst)
-        e.findChild<QPushButton*>("button1")->click();
-      else
-        e.findChild<QPushButton*>("button200")->click();
+      e.findChild<QPushButton*>(button)->click();
     });
-    if (!pressOkFirst) {
-      EXPECT_EQ(target, before);
-      continue;
+    if (std::string(button) == "button1") {
+      expected.setCell(1, 0, "1.0E-06");
+      expected.setCell(0, 1, "123456789012345");
     }
-    EXPECT_EQ(target.cell(1, 0), "1.0E-06");
-    EXPECT_EQ(target.cell(0, 1), "123456789012345");
-    EXPECT_EQ(target.cell(0, 0), "0");
+    EXPECT_EQ(target, expected) << button;
   }
-}
-
-// Undriven, the edit waits for the "Finished Editing" box; the cells OK read go back when it is
-// dismissed.
-TEST(MatrixEditor, InteractiveEditEndsWhenFinishedEditingIsDismissed) {
-  test::qtApp();
   TextMatrix target(1, 1);
   QTimer::singleShot(0, [] {
     MatrixEditor* editor = nullptr;
-    for (QWidget* w : QApplication::topLevelWidgets()) {
+    for (QWidget* w : QApplication::topLevelWidgets())
       if (auto* e = qobject_cast<MatrixEditor*>(w); e != nullptr && e->isVisible()) editor = e;
-    }
     ASSERT_NE(editor, nullptr);
     editor->cellField(0, 0)->setText("7");
     editor->findChild<QPushButton*>("button1")->click();
@@ -108,49 +123,6 @@ TEST(MatrixEditor, InteractiveEditEndsWhenFinishedEditingIsDismissed) {
   });
   editMatrix(target, "X0 Vector", {"x"}, {"X0"}, {});
   EXPECT_EQ(target.cell(0, 0), "7");
-}
-
-TEST(MatrixEditor, MarksTextThatIsNotAPlainNumberWithWhatItCountsAs) {
-  struct Case {
-    const char* text;
-    bool plain;
-    double countsAs;
-  };
-  for (Case k : {Case{"0.95", true, 0.95}, Case{" -1.5E+03 ", true, -1500.0}, Case{".5", true, 0.5},
-                 Case{"abc", false, 0.0}, Case{"3abc", false, 3.0}, Case{"", false, 0.0},
-                 Case{"1e", false, 1.0}, Case{"1,5", false, 1.0}}) {
-    const CellReading r = readCell(k.text);
-    EXPECT_EQ(r.plainNumber, k.plain) << k.text;
-    EXPECT_DOUBLE_EQ(r.countsAs, k.countsAs) << k.text;
-  }
-  test::qtApp();
-  MatrixEditor editor({"A Matrix", {}, {}, TextMatrix(1, 2)});
-  type(editor.cellField(0, 1), "x");
-  EXPECT_EQ(editor.markedCount(), 1);
-  EXPECT_TRUE(editor.cellField(0, 1)->toolTip().contains("count as 0"));
-  EXPECT_TRUE(editor.cellField(0, 0)->toolTip().isEmpty());
-}
-
-// A block copied from a spreadsheet (tabs) or a numerical session (blanks) fills the cells from
-// the focused one, cut off at the matrix's edges.
-TEST(MatrixEditor, PastesABlockFromTheFocusedCell) {
-  test::qtApp();
-  for (const char* clip : {"1\t2\t3\n4\t5\t6\n7\t8\t9\n", "  1  2  3\r\n  4  5  6\r\n 7 8 9"}) {
-    MatrixEditor editor({"A Matrix", {}, {}, TextMatrix(3, 3)});
-    editor.cellField(1, 1)->setFocus();
-    QApplication::processEvents();
-    QEvent focus(QEvent::FocusIn);
-    QApplication::sendEvent(editor.cellField(1, 1), &focus);
-    QApplication::clipboard()->setText(QString::fromUtf8(clip));
-    editor.editCommand(editor_ids::kPaste);  // the Edit menu's Paste
-    editor.accept();
-    const TextMatrix& t = editor.copy();
-    EXPECT_EQ(t.cell(1, 1), "1");
-    EXPECT_EQ(t.cell(1, 2), "2");
-    EXPECT_EQ(t.cell(2, 1), "4");
-    EXPECT_EQ(t.cell(2, 2), "5");
-    EXPECT_EQ(t.cell(0, 0), "0");
-  }
 }
 
 // ---- A model from nothing ----

@@ -20,6 +20,7 @@
 #include "model/model_file.h"
 #include "results/plot_layout.h"
 #include "support/temp_dir.h"
+#include "support/test_data.h"
 #include "ui/main_window.h"
 #include "ui/menu_table.h"
 #include "ui/plots/criterion_summary_window.h"
@@ -82,17 +83,15 @@ TEST(PlotWindows, SingleRunLoopPaintsTheSeriesInTheirPens) {
   Harness h;
   h.window->dispatch(cmd::kSolveQlp);
   // First a plot without a variable, then state 1 with its desired path, then Done.
-  h.fills.push_back([](QDialog&) { return static_cast<int>(QDialog::Accepted); });
+  h.fills.push_back(test::accepted);
   h.fills.push_back([](QDialog& d) {
     auto& dialog = dynamic_cast<PlotsDialog&>(d);
     dialog.variables()->setCurrentRow(0);
     dialog.pathTypes()->button(kPathOptAndDes)->click();
-    return static_cast<int>(QDialog::Accepted);
+    return test::accepted(d);
   });
   h.window->dispatch(cmd::kPlotSingle);
-  std::vector<std::string> texts;
-  for (const Message& m : h.prompter.messages()) texts.push_back(m.caption + ": " + m.text);
-  EXPECT_EQ(texts,
+  EXPECT_EQ(testing::shown(h.prompter),
             (std::vector<std::string>{"Warning!: No series selected.", "Continue Plotting: Plot"}));
   ASSERT_EQ(h.prompter.grabs.size(), 1u);
   EXPECT_EQ(h.prompter.grabs[0].first, "PlotWin");
@@ -122,8 +121,7 @@ TEST(PlotWindows, ScenariosAreNamedStoredAndPlottedAgainstTheDesiredPath) {
       auto& dialog = dynamic_cast<ScenarioNameDialog&>(d);
       EXPECT_EQ(dialog.acronymField()->text(), "QLP");  // proposed from the method
       dialog.acronymField()->setText(acronym);
-      dialog.accept();
-      return static_cast<int>(QDialog::Accepted);
+      return test::accepted(d);
     };
   };
   h.fills.push_back(name("BASE"));
@@ -138,7 +136,7 @@ TEST(PlotWindows, ScenariosAreNamedStoredAndPlottedAgainstTheDesiredPath) {
     dialog.variables()->setCurrentRow(0);
     dialog.scenario(0)->setCurrentIndex(2);
     dialog.pathTypes()->button(kScenarioOptAndDesired)->click();
-    return static_cast<int>(QDialog::Accepted);
+    return test::accepted(d);
   });
   h.window->dispatch(cmd::kPlotScenarios);
   EXPECT_EQ(h.prompter.messages().back().text, "Plot Scenarios");
@@ -158,7 +156,9 @@ TEST(PlotWindows, ScenariosAreNamedStoredAndPlottedAgainstTheDesiredPath) {
   EXPECT_TRUE(black);
 }
 
-TEST(PlotWindows, PicturesAreSavedAsPngAndSvg) {
+// The window saves PNG and SVG pictures that Qt's own readers accept, and refuses other kinds;
+// the batch tool draws them without a display: no DISPLAY and no platform in its environment.
+TEST(PlotWindows, PicturesAreSavedAsPngAndSvgWithOrWithoutADisplay) {
   test::qtApp();
   RecordingPrompter prompter;
   const std::vector<PlotSeries> series{{"Opt", {1, 3, 2}, 0}};
@@ -167,37 +167,32 @@ TEST(PlotWindows, PicturesAreSavedAsPngAndSvg) {
       "PlotWin", "Plot", [layout](QPainter& p, const QRect& r) { paintPlot(p, r, layout); },
       prompter);
   testing::TempDir dir;
-  ASSERT_TRUE(window.savePicture(dir.file("p.png")));
-  ASSERT_TRUE(window.savePicture(dir.file("p.svg")));
-  QImageReader png(QString::fromStdString(dir.file("p.png")));
-  EXPECT_EQ(png.format(), "png");
-  EXPECT_EQ(png.read().size(), QSize(kPictureWidth, kPictureHeight));
-  EXPECT_TRUE(QSvgRenderer(QString::fromStdString(dir.file("p.svg"))).isValid());
+  const QString png = QString::fromStdString(dir.file("p.png"));
+  const QString svg = QString::fromStdString(dir.file("p.svg"));
+  ASSERT_TRUE(window.savePicture(png.toStdString()));
+  ASSERT_TRUE(window.savePicture(svg.toStdString()));
+  QImageReader reader(png);
+  EXPECT_EQ(reader.format(), "png");
+  EXPECT_EQ(reader.read().size(), QSize(kPictureWidth, kPictureHeight));
+  EXPECT_TRUE(QSvgRenderer(svg).isValid());
   EXPECT_FALSE(window.savePicture(dir.file("p.bmp")));
   EXPECT_EQ(prompter.messages().size(), 1u);
   EXPECT_FALSE(std::filesystem::exists(dir.file("p.bmp")));
-}
 
-// The batch tool draws without a display: no DISPLAY and no platform chosen in its environment.
-TEST(PlotWindows, BatchToolWritesPicturesWithoutADisplay) {
-  test::qtApp();
-  testing::TempDir dir;
+  const QString cpng = QString::fromStdString(dir.file("c.png"));
+  const QString csvg = QString::fromStdString(dir.file("c.svg"));
   QProcess cli;
   QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-  env.remove("DISPLAY");
-  env.remove("WAYLAND_DISPLAY");
-  env.remove("QT_QPA_PLATFORM");
+  for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) env.remove(name);
   cli.setProcessEnvironment(env);
-  const QString png = QString::fromStdString(dir.file("c.png"));
-  const QString svg = QString::fromStdString(dir.file("c.svg"));
-  cli.start(
-      OVARO_BINARY_DIR "/src/app/ovaro-cli",
-      {"plot", QString::fromStdString(example("learn1.ovi")), "--method", "ce,olf", "--kind",
-       "controls", "--variable", "1", "--path", "opt", "--runs", "3", "--png", png, "--svg", svg});
+  cli.start(OVARO_BINARY_DIR "/src/app/ovaro-cli",
+            {"plot", QString::fromStdString(example("learn1.ovi")), "--method", "ce,olf", "--kind",
+             "controls", "--variable", "1", "--path", "opt", "--runs", "3", "--png", cpng, "--svg",
+             csvg});
   ASSERT_TRUE(cli.waitForFinished(60000));
   EXPECT_EQ(cli.exitCode(), 0) << cli.readAllStandardError().toStdString();
-  EXPECT_FALSE(QImageReader(png).read().isNull());
-  EXPECT_TRUE(QSvgRenderer(svg).isValid());
+  EXPECT_FALSE(QImageReader(cpng).read().isNull());
+  EXPECT_TRUE(QSvgRenderer(csvg).isValid());
 }
 
 TEST(PlotWindows, ComparisonShowsItsCriterionSummaryAndItsSpread) {
@@ -215,7 +210,7 @@ TEST(PlotWindows, ComparisonShowsItsCriterionSummaryAndItsSpread) {
   EXPECT_EQ(summary->pairsTable()->item(0, 1)->text(),
             summaryNumber(sum / static_cast<double>(wb.results.comparison->runs)));
 
-  h.fills.push_back([](QDialog&) { return static_cast<int>(QDialog::Accepted); });
+  h.fills.push_back(test::accepted);
   h.window->dispatch(cmd::kPlotSpread);
   auto* spread = h.window->findChild<PlotWindow*>("PlotWinSpread");
   ASSERT_NE(spread, nullptr);

@@ -1,5 +1,11 @@
 #include "ui/qt_app.h"
 
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QButtonGroup>
+#include <QPushButton>
+#include <QTest>
 #include <QtGlobal>
 
 namespace ovaro::test {
@@ -13,6 +19,29 @@ QApplication& qtApp() {
     return new QApplication(argc, argv);
   }();
   return *app;
+}
+
+void type(QLineEdit* edit, const QString& text) {
+  ASSERT_NE(edit, nullptr);
+  edit->clear();
+  QTest::keyClicks(edit, text);
+}
+
+void press(QDialog& dialog, QDialogButtonBox::StandardButton which) {
+  auto* box = dialog.findChild<QDialogButtonBox*>();
+  ASSERT_TRUE(box != nullptr && box->button(which) != nullptr);
+  box->button(which)->click();
+}
+
+void click(QButtonGroup* group, int id) {
+  QAbstractButton* b = group->button(id);
+  ASSERT_NE(b, nullptr) << "no button " << id;
+  b->click();
+}
+
+int accepted(QDialog& dialog) {
+  dialog.accept();
+  return QDialog::Accepted;
 }
 
 }  // namespace ovaro::test

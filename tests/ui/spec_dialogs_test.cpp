@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
+#include <tuple>
 
 #include "model/options.h"
 #include "support/test_data.h"
@@ -19,15 +20,8 @@
 namespace ovaro::ui {
 namespace {
 
-void type(QLineEdit* edit, const QString& text) {
-  ASSERT_NE(edit, nullptr);
-  edit->clear();
-  QTest::keyClicks(edit, text);
-}
-
-void press(QDialog& d, QDialogButtonBox::StandardButton which) {
-  d.findChild<QDialogButtonBox*>()->button(which)->click();
-}
+using test::press;
+using test::type;
 
 Model sized(int n, int m, int l, int first, int last) {
   Model model;
@@ -47,71 +41,68 @@ TEST(SizeDialog, OkConvertsEveryFieldAndRecomputesPeriodsCancelWritesNothing) {
   test::qtApp();
   for (bool ok : {true, false}) {
     Model model = sized(2, 1, 1, 1, 5);
-    const Dimensions before = model.dims;
+    Dimensions expected = model.dims;
     SizeDialog dialog(model.dims);
     QStringList captions;
     for (const QLabel* l : dialog.findChildren<QLabel*>()) captions << l->text();
     for (const std::string& c : testing::dataSection("option_dialogs.txt", "Size"))
       EXPECT_TRUE(captions.contains(QString::fromStdString(c))) << c;
-    type(dialog.field(303), "4");
-    type(dialog.field(302), "x");
-    type(dialog.field(309), "2001");
-    type(dialog.field(310), "2010");
-    type(dialog.field(313), "1.0E-06");
-    type(dialog.field(307), "123456789");  // stops at 8 characters
+    // 307 stops at 8 characters.
+    for (auto [id, text] : {std::pair{303, "4"},
+                            {302, "x"},
+                            {309, "2001"},
+                            {310, "2010"},
+                            {313, "1.0E-06"},
+                            {307, "123456789"}})
+      type(dialog.field(id), text);
     press(dialog, ok ? QDialogButtonBox::Ok : QDialogButtonBox::Cancel);
-    if (!ok) {
-      EXPECT_EQ(model.dims, before);
-      continue;
+    if (ok) {
+      expected.n.set(4);
+      expected.m = {"x", 0};
+      expected.initialPeriod.set(2001);
+      expected.terminalPeriod.set(2010);
+      expected.recomputePeriods();
+      expected.toleranceText = "1.0E-06";
+      expected.tolerance = 1e-6;
+      expected.nmc = {"12345678", 12345678};
+      EXPECT_EQ(expected.nt.value, 10);
     }
-    EXPECT_EQ(model.dims.n.value, 4);
-    EXPECT_EQ(model.dims.m.text, "x");
-    EXPECT_EQ(model.dims.m.value, 0);
-    EXPECT_EQ(model.dims.nt.value, 10);
-    EXPECT_EQ(model.dims.ntMinus1.value, 9);
-    EXPECT_DOUBLE_EQ(model.dims.tolerance, 1e-6);
-    EXPECT_EQ(model.dims.nmc.text, "12345678");
+    EXPECT_EQ(model.dims, expected);
   }
 }
 
-// A click writes its option at once, and Cancel does not undo it.
-TEST(FormsDialog, ClicksWriteAtOnceAndCancelKeepsThem) {
+// A click on a form writes its option at once, and Cancel does not undo it; the delete dialog
+// stores its number and confirms on OK only.
+TEST(FormsAndDeleteDialogs, ClicksWriteAtOnceAndOnlyOkConfirms) {
   test::qtApp();
   SpecFlags flags;
   flags.wForm = opt::kWConstant;
   flags.systemForm = opt::kRegular;
+  SpecFlags expected = flags;
+  expected.wForm = opt::kWTimeVarying;
+  expected.systemForm = opt::kPindyck;
+  expected.udesForm = opt::kUdesTimeVarying;
+  expected.zForm = opt::kZTimeVarying;
   FormsDialog dialog(flags);
   EXPECT_EQ(dialog.windowTitle(), "Form Specifications");
-  for (int id : {opt::kWTimeVarying, opt::kPindyck, opt::kUdesTimeVarying, opt::kZTimeVarying}) {
-    ASSERT_NE(dialog.groupOf(id), nullptr) << id;
-    dialog.groupOf(id)->button(id)->click();
-  }
+  for (int id : {opt::kWTimeVarying, opt::kPindyck, opt::kUdesTimeVarying, opt::kZTimeVarying})
+    test::click(dialog.groupOf(id), id);
   EXPECT_TRUE(dialog.groupOf(opt::kWTerminalDifferent)
                   ->button(opt::kWTerminalDifferent)
                   ->text()
                   .startsWith("*"));
   press(dialog, QDialogButtonBox::Cancel);
-  EXPECT_EQ(flags.wForm, opt::kWTimeVarying);
-  EXPECT_EQ(flags.systemForm, opt::kPindyck);
-  EXPECT_EQ(flags.udesForm, opt::kUdesTimeVarying);
-  EXPECT_EQ(flags.zForm, opt::kZTimeVarying);
-}
+  EXPECT_EQ(flags, expected);
 
-TEST(DeleteElemDialog, OkStoresTheNumberAndConfirmsCancelDoesNot) {
-  test::qtApp();
   int index = 0, confirmed = -1;
-  {
-    DeleteElemDialog dialog(index, confirmed);
-    type(dialog.field(), "3");
-    press(dialog, QDialogButtonBox::Ok);
+  for (const auto& [typed, button, stored, confirms] :
+       {std::tuple{"3", QDialogButtonBox::Ok, 3, 1}, {"1", QDialogButtonBox::Cancel, 3, 0}}) {
+    DeleteElemDialog d(index, confirmed);
+    type(d.field(), typed);
+    press(d, button);
+    EXPECT_EQ(index, stored);
+    EXPECT_EQ(confirmed, confirms);
   }
-  EXPECT_EQ(index, 3);
-  EXPECT_EQ(confirmed, 1);
-  DeleteElemDialog dialog(index, confirmed);
-  type(dialog.field(), "1");
-  press(dialog, QDialogButtonBox::Cancel);
-  EXPECT_EQ(index, 3);
-  EXPECT_EQ(confirmed, 0);
 }
 
 // Buttons only for the matrices the model holds, each naming its matrix to the caller's action.
@@ -145,7 +136,6 @@ TEST(MatrixEntryDialog, OffersExactlyTheHeldMatricesOfItsGroup) {
   MatrixEntryDialog dialog(crw, model, {});
   EXPECT_NE(dialog.buttons()->button(622), nullptr);  // WT
   EXPECT_EQ(dialog.buttons()->button(620), nullptr);  // no W
-  EXPECT_EQ(matrixEntryGroup("DataInStoch")->title, "Stoch Elem: Uncertain Parameters");
   EXPECT_EQ(systemEquationsGroup(model), "DataInSEC4");
 }
 
