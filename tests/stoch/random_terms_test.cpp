@@ -1,7 +1,7 @@
 // The random terms: the generators against integer arithmetic done here, the Cholesky factor
 // against L L' = a, the order in which a run consumes the stream, the read-in source, the
-// messages and the debug labels (tests/data/random_terms.txt). The shuffle generator ran0 and
-// MonteCarloTheta have no caller and no test.
+// messages and the debug labels (tests/data/random_terms.txt). MonteCarloTheta has no caller
+// and no test.
 #include "stoch/random_terms.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <bitset>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <random>
 #include <string>
@@ -408,6 +409,52 @@ TEST(ChooseRandomSource, CertainButDifferentAndTheClashOfBothChoices) {
   EXPECT_EQ(testing::shown(p), dataSection(kData, "both-initial-choices"));
   EXPECT_EQ(p.messages().at(0).icon, Icon::Exclamation);
   EXPECT_TRUE(allEqual(g.thetarandom, 8.0));
+}
+
+// The shuffle generator as described: a 15-bit integer generator (state x 214013 + 2531011
+// modulo 2^32, bits 16..30), 98 values discarded, a table of 98, and y.
+struct ReferenceRan0 {
+  std::uint64_t state = 0;
+  std::vector<double> table = std::vector<double>(99, 0.0);
+  double y = 0.0;
+  bool filled = false;
+  double nextInt() {
+    state = (state * 214013 + 2531011) % 4294967296ULL;
+    return static_cast<double>((state / 65536) % 32768);
+  }
+  double draw(int seed) {
+    if (seed < 0 || !filled) {
+      filled = true;
+      state = static_cast<std::uint64_t>(static_cast<std::int64_t>(seed) + 4294967296LL) %
+              4294967296ULL;
+      for (int i = 0; i < 98; ++i) nextInt();
+      for (int j = 1; j <= 98; ++j) table[static_cast<std::size_t>(j)] = nextInt();
+      y = nextInt();
+    }
+    const auto j = static_cast<std::size_t>(98.0 * y / 32768.0 + 1.0);
+    y = table[j];
+    table[j] = nextInt();
+    return y / 32768.0;
+  }
+};
+
+TEST(Ran0, MatchesTheShuffleGeneratorAndReseedsOnANegativeSeed) {
+  RecordingPrompter p;
+  RandomState st;
+  ReferenceRan0 ref;
+  for (int i = 0; i < 1000; ++i) ASSERT_EQ(ran0(st, 27, p), ref.draw(27)) << i;
+  // A negative seed fills the table afresh on every call; a positive one continues.
+  const double first = ran0(st, -7, p);
+  EXPECT_EQ(ran0(st, -7, p), first);
+  ReferenceRan0 neg;
+  EXPECT_EQ(first, neg.draw(-7));
+  EXPECT_EQ(ran0(st, 5, p), neg.draw(5));
+  EXPECT_TRUE(p.messages().empty());
+
+  st.y = 40000.0;  // only a damaged state gives an index beyond 98
+  st.table[98] = 123.0;
+  EXPECT_EQ(ran0(st, 1, p), 123.0 / 32768.0);
+  EXPECT_EQ(testing::shown(p), std::vector<std::string>{"ran0: Error in ran0."});
 }
 
 TEST(Seeds, DialogTextsSetTheSeedsButNotTheSpareAndHeadTheDebugFile) {
