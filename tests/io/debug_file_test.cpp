@@ -6,13 +6,13 @@
 
 #include <climits>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <vector>
 
+#include "support/mat.h"
+#include "support/temp_dir.h"
 #include "support/test_data.h"
 
 namespace ovaro {
@@ -20,35 +20,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A fresh directory per test, removed afterwards.
-class TempDir {
- public:
-  TempDir() {
-    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-    dir_ = fs::path(::testing::TempDir()) /
-           ("ovaro_io_" + std::to_string(::getpid()) + "_" + info->name());
-    fs::remove_all(dir_);
-    fs::create_directories(dir_);
-  }
-  ~TempDir() {
-    std::error_code ec;
-    fs::remove_all(dir_, ec);
-  }
-  std::string file(const std::string& name) const { return (dir_ / name).string(); }
-  std::string path() const { return dir_.string(); }
-
- private:
-  fs::path dir_;
-};
-
-std::string readFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-void writeFile(const std::string& path, const std::string& text) {
-  std::ofstream(path, std::ios::binary) << text;
-}
+using testing::slurp;
+using testing::spit;
+using testing::TempDir;
 
 // One element in the " %8.0f " format (choice 770), padded by hand: a blank, the integer right
 // aligned in eight places, a blank.
@@ -77,7 +51,7 @@ TEST(DebugFile, OpenReplacesAnOldFileAndRefusesBadNames) {
   TempDir tmp;
   const std::string path = tmp.file("trace.dbg");
   const std::string keep = tmp.file("keep.txt");
-  writeFile(path, "the trace of an earlier command, longer than the new one");
+  spit(path, "the trace of an earlier command, longer than the new one");
   // A second name for the old file: deleting the old file leaves it intact, truncating would not.
   fs::create_hard_link(path, keep);
 
@@ -93,8 +67,8 @@ TEST(DebugFile, OpenReplacesAnOldFileAndRefusesBadNames) {
   file.close();
   EXPECT_FALSE(file.isOpen());
   EXPECT_EQ(file.path(), path);
-  EXPECT_EQ(readFile(path), "new");
-  EXPECT_EQ(readFile(keep), "the trace of an earlier command, longer than the new one");
+  EXPECT_EQ(slurp(path), "new");
+  EXPECT_EQ(slurp(keep), "the trace of an earlier command, longer than the new one");
 
   // Opening another file closes the first one with its contents.
   ASSERT_TRUE(file.open(path));
@@ -102,13 +76,13 @@ TEST(DebugFile, OpenReplacesAnOldFileAndRefusesBadNames) {
   ASSERT_TRUE(file.open(tmp.file("second.dbg")));
   EXPECT_EQ(file.write("second"), 1);
   file.close();
-  EXPECT_EQ(readFile(path), "first");
-  EXPECT_EQ(readFile(tmp.file("second.dbg")), "second");
+  EXPECT_EQ(slurp(path), "first");
+  EXPECT_EQ(slurp(tmp.file("second.dbg")), "second");
 
   EXPECT_FALSE(file.open(""));
   EXPECT_FALSE(file.isOpen());
   EXPECT_FALSE(file.open(tmp.file("no/such/dir/trace.dbg")));
-  EXPECT_FALSE(file.open(tmp.path()));  // a directory is neither deleted nor opened
+  EXPECT_FALSE(file.open(tmp.path().string()));  // a directory is neither deleted nor opened
   EXPECT_TRUE(fs::is_directory(tmp.path()));
   EXPECT_FALSE(file.isOpen());
   EXPECT_EQ(file.write("x"), 0);
@@ -164,28 +138,23 @@ TEST(DebugFile, MatrixDumpsFollowTheBlockRuleAndTheChosenFormat) {
   expected += "\n xs in compx " + row770(2, 0, 4) + row770(3, 0, 4);
   expected += "\n xs in compx " + row770(2, 5, 6) + row770(3, 5, 6);
 
-  // The format is read at every dump: 770, 784, "no choice", 795, then no preference at all.
-  Mat one = mat2(1, 1, 1, 1);
-  one(1, 1) = 3.25;
-  EXPECT_EQ(file.dumpMatrix("one", 1, 1, 1, 1, one), 1);
-  expected += std::string("\n one ") + "\n   " + "        3 ";
-  format = 784;
-  EXPECT_EQ(file.dumpMatrix("one", 1, 1, 1, 1, one), 1);
-  expected += std::string("\n one ") + "\n   " + "       3.2500 ";
-  format = 0;
-  EXPECT_EQ(file.dumpMatrix("one", 1, 1, 1, 1, one), 1);
-  expected += std::string("\n one ") + "\n   " + "       3.25 ";
-  format = 795;
-  EXPECT_EQ(file.dumpMatrix("one", 1, 1, 1, 1, one), 1);
-  expected += std::string("\n one ") + "\n   " + "         3.25 ";
+  // The format is read at every dump: 770, 784, "no choice", 795.
+  const Mat one = testing::rowsMat({{3.25}});
+  for (const auto& [choice, text] :
+       {std::pair{770, "        3 "}, std::pair{784, "       3.2500 "},
+        std::pair{0, "       3.25 "}, std::pair{795, "         3.25 "}}) {
+    format = choice;
+    EXPECT_EQ(file.dumpMatrix("one", 1, 1, 1, 1, one), 1);
+    expected += std::string("\n one \n   ") + text;
+  }
   file.close();
-  EXPECT_EQ(readFile(path), expected);
+  EXPECT_EQ(slurp(path), expected);
 
   DebugFile unchosen(nullptr);
   ASSERT_TRUE(unchosen.open(path));
   EXPECT_EQ(unchosen.dumpMatrix("one", 1, 1, 1, 1, one), 1);
   unchosen.close();
-  EXPECT_EQ(readFile(path), std::string("\n one ") + "\n   " + "       3.25 ");
+  EXPECT_EQ(slurp(path), std::string("\n one ") + "\n   " + "       3.25 ");
 }
 
 TEST(DebugFile, EveryOtherDumpAndHeadingHasItsLayout) {
@@ -194,11 +163,7 @@ TEST(DebugFile, EveryOtherDumpAndHeadingHasItsLayout) {
   DebugFile file;  // no format chosen: " %10.2f "
   ASSERT_TRUE(file.open(path));
 
-  Mat a = mat2(1, 2, 1, 2);
-  a(1, 1) = 1;
-  a(1, 2) = -2.5;
-  a(2, 1) = 0.125;
-  a(2, 2) = 100;
+  const Mat a = testing::rowsMat({{1, -2.5}, {0.125, 100}});
   EXPECT_EQ(file.dumpMatrixFixed("f", 1, 2, 1, 2, a), 1);
 
   Mat3 s = mat3(0, 1, 1, 1, 1, 6);
@@ -207,26 +172,19 @@ TEST(DebugFile, EveryOtherDumpAndHeadingHasItsLayout) {
   EXPECT_EQ(file.dumpMatrix3("sixx", 0, 1, 1, 1, 1, 6, s), 1);
 
   IMat ithn = imat2(1, 2, 1, 3);
-  ithn(1, 2) = 1;
+  ithn(1, 2) = ithn(2, 1) = ithn(2, 3) = 1;
   ithn(1, 3) = 2;
-  ithn(2, 1) = 1;
   ithn(2, 2) = -12;
-  ithn(2, 3) = 1;
   EXPECT_EQ(file.dumpIntMatrix("ithn", 1, 2, 1, 3, ithn), 1);
 
   Vec x0 = vec1(1, 3);
-  x0(1) = 1;
-  x0(2) = -0.5;
-  x0(3) = 12345.678;
+  x0(1) = 1, x0(2) = -0.5, x0(3) = 12345.678;
   EXPECT_EQ(file.dumpVector("x0", 1, 3, x0), 1);
-  Mat c = mat2(1, 2, 1, 1);
-  c(1, 1) = 7;
-  c(2, 1) = 0.004;
+  const Mat c = testing::colMat({7, 0.004});
   EXPECT_EQ(file.dumpVector("c", 1, 2, c), 1);
 
   Vec xs = vec1(0, 1);
-  xs(0) = 2;
-  xs(1) = -3;
+  xs(0) = 2, xs(1) = -3;
   EXPECT_EQ(file.dumpVectorFixed("xs", 0, 1, xs), 1);
   EXPECT_EQ(file.dumpVectorFixed("c", 2, 2, c), 1);
 
@@ -247,7 +205,7 @@ TEST(DebugFile, EveryOtherDumpAndHeadingHasItsLayout) {
   file.close();
   std::string expected;  // tests/data/debug_file_layouts.txt, one dump an entry
   for (const std::string& entry : testing::dataLines("debug_file_layouts.txt")) expected += entry;
-  EXPECT_EQ(readFile(path), expected);
+  EXPECT_EQ(slurp(path), expected);
 }
 
 TEST(DebugFile, EmptyPartsShowLabelsAndOutOfRangePartsThrow) {
@@ -284,13 +242,13 @@ TEST(DebugFile, EmptyPartsShowLabelsAndOutOfRangePartsThrow) {
   EXPECT_TRUE(file.isOpen());
 
   file.close();
-  EXPECT_EQ(readFile(path), expected);
+  EXPECT_EQ(slurp(path), expected);
 }
 
 TEST(DebugFilePrompt, AsksForTheNameAndKeepsTheLastOneOnCancel) {
   TempDir tmp;
   const std::string path = tmp.file("solve.dbg");
-  writeFile(path, "stale");
+  spit(path, "stale");
   RecordingPrompter prompter;
   DebugFile file;
   std::string remembered;
@@ -299,23 +257,21 @@ TEST(DebugFilePrompt, AsksForTheNameAndKeepsTheLastOneOnCancel) {
   EXPECT_TRUE(promptAndOpenDebugFile(prompter, file, remembered));
   EXPECT_TRUE(file.isOpen());
   EXPECT_EQ(remembered, path);
-  ASSERT_EQ(prompter.messages().size(), 1u);
-  const Message& m = prompter.messages()[0];
-  EXPECT_EQ(m.text, "Please provide debug file name in the following dialog box.");
-  EXPECT_EQ(m.caption, "Ovaro");
-  EXPECT_EQ(m.buttons, Buttons::Ok);
+  EXPECT_EQ(testing::shown(prompter),
+            std::vector<std::string>{
+                "Ovaro: Please provide debug file name in the following dialog box."});
+  EXPECT_EQ(prompter.messages()[0].buttons, Buttons::Ok);
   ASSERT_EQ(prompter.fileRequests().size(), 1u);
   const FileRequest& r = prompter.fileRequests()[0];
   EXPECT_EQ(r.kind, FileRequest::Kind::Save);
   ASSERT_EQ(r.filters.size(), 2u);
-  EXPECT_EQ(r.filters[0].label, "Debug Files (*.dbg)");
-  EXPECT_EQ(r.filters[0].pattern, "*.dbg");
-  EXPECT_EQ(r.filters[1].label, "All Files (*.*;*)");
-  EXPECT_EQ(r.filters[1].pattern, "*.*;*");
+  EXPECT_EQ(r.filters[0].label + "|" + r.filters[0].pattern + "|" + r.filters[1].label + "|" +
+                r.filters[1].pattern,
+            "Debug Files (*.dbg)|*.dbg|All Files (*.*;*)|*.*;*");
   EXPECT_EQ(r.defaultExtension, "txt");
   EXPECT_TRUE(r.promptBeforeOverwrite);
   EXPECT_EQ(file.write("run 1"), 1);
-  EXPECT_EQ(readFile(path), "run 1");
+  EXPECT_EQ(slurp(path), "run 1");
 
   // Cancel: the previous name is used again and its file started afresh.
   prompter.scriptFileName(std::nullopt);
@@ -323,7 +279,7 @@ TEST(DebugFilePrompt, AsksForTheNameAndKeepsTheLastOneOnCancel) {
   EXPECT_EQ(remembered, path);
   EXPECT_EQ(file.write("run 2"), 1);
   file.close();
-  EXPECT_EQ(readFile(path), "run 2");
+  EXPECT_EQ(slurp(path), "run 2");
   EXPECT_EQ(prompter.messages().size(), 2u);
 
   // Cancel with no earlier name, and a name that cannot be created: nothing is open.

@@ -57,12 +57,11 @@ TEST(DebugOptions, TableHoldsEveryBoxInDialogOrder) {
             testing::dataSection("debug_switches.txt", "QlpOlf groups"));
   EXPECT_EQ(debugSwitchInfo(S::QlpKAndP).group, "Riccati Equations");
 
-  EXPECT_EQ(debugPageTitle(DebugPage::QlpOlf), "Debug Print Options");
-  EXPECT_EQ(debugPageTitle(DebugPage::Summary), "Summary");
-  EXPECT_EQ(debugPageTitle(DebugPage::Inputs), "Inputs");
-  EXPECT_EQ(debugPageTitle(DebugPage::Intermediates), "Intermediates");
-  EXPECT_EQ(debugPageTitle(DebugPage::Results), "Results");
-  EXPECT_EQ(debugPageTitle(DebugPage::MonteCarlo), "Monte Carlo");
+  std::string titles;
+  for (DebugPage p : {DebugPage::QlpOlf, DebugPage::Summary, DebugPage::Inputs,
+                      DebugPage::Intermediates, DebugPage::Results, DebugPage::MonteCarlo})
+    titles += std::string(debugPageTitle(p)) + "|";
+  EXPECT_EQ(titles, "Debug Print Options|Summary|Inputs|Intermediates|Results|Monte Carlo|");
 }
 
 TEST(DebugOptions, MachineNamesAreUniqueAndFoundAgain) {
@@ -123,27 +122,16 @@ TEST(DebugSwitches, AllBoxesTurnOnExactlyTheirScope) {
   EXPECT_EQ(onWith(S::SummaryAll), sheet);
   EXPECT_EQ(onWith(S::InputsAll), page(DebugPage::Inputs));
   EXPECT_EQ(onWith(S::ResultsAll), page(DebugPage::Results));
-  EXPECT_EQ(onWith(S::InputsAllModel), (std::set<S>{S::InputsAllModel, S::InputsSystemEquations,
-                                                    S::InputsCriterion, S::InputsOther}));
-  EXPECT_EQ(
-      onWith(S::InputsAllConversion),
-      (std::set<S>{S::InputsAllConversion, S::InputsTrackingToQuadratic, S::InputsPindyckToRegular,
-                   S::InputsForwardLooking, S::InputsMapAbcToTheta}));
-  EXPECT_EQ(onWith(S::InputsAllStochastic),
-            (std::set<S>{S::InputsAllStochastic, S::InputsRandomIntermediates, S::InputsRandomFinal,
-                         S::InputsRandomMeans}));
-  EXPECT_EQ(
-      onWith(S::IntermediatesAllMeansCovariances),
-      (std::set<S>{S::IntermediatesAllMeansCovariances, S::ProjectionMeansIntermediate,
-                   S::ProjectionMeansFinal, S::ProjectionCovariancesIntermediate,
-                   S::ProjectionCovariancesFinal, S::FilterMeansIntermediate, S::FilterMeansFinal,
-                   S::FilterCovariancesIntermediate, S::FilterCovariancesFinal}));
-  EXPECT_EQ(onWith(S::MonteCarloAllSumSquaredDifferences),
-            (std::set<S>{S::MonteCarloAllSumSquaredDifferences, S::MonteCarloSumSquaredDifferences,
-                         S::MonteCarloAvgAvg, S::MonteCarloAvgVar}));
-  // A plain box turns on only itself.
-  EXPECT_EQ(onWith(S::QlpKAndP), (std::set<S>{S::QlpKAndP}));
-  EXPECT_EQ(onWith(S::IntermediatesKAndP), (std::set<S>{S::IntermediatesKAndP}));
+  for (const char* box :
+       {"inputs.all-model", "inputs.all-conversion", "inputs.all-stochastic-elements",
+        "intermediates.all-means-and-covariances", "montecarlo.all-sum-of-squared-differences",
+        "qlp.k-and-p", "intermediates.k-and-p"}) {
+    std::set<S> expected{*findDebugSwitch(box)};
+    for (const std::string& name :
+         testing::dataSection("debug_switches.txt", "scope " + std::string(box)))
+      expected.insert(*findDebugSwitch(name));
+    EXPECT_EQ(onWith(*findDebugSwitch(box)), expected) << box;
+  }
 
   // Ticked and on are different questions; unticking the All box turns its scope off again.
   switches.set(S::InputsAll);
@@ -169,10 +157,7 @@ TEST(DebugPrintSettings, RunRestrictionPicksOneRun) {
   EXPECT_FALSE(settings.printsRun(2));
   settings.runSelection = DebugRunSelection::RunNumber;
   settings.runNumber = 3;
-  EXPECT_FALSE(settings.printsRun(1));
-  EXPECT_FALSE(settings.printsRun(2));
-  EXPECT_TRUE(settings.printsRun(3));
-  EXPECT_FALSE(settings.printsRun(4));
+  for (int run = 1; run <= 4; ++run) EXPECT_EQ(settings.printsRun(run), run == 3) << run;
   EXPECT_EQ(kRunSelectionCaption, "Turn on selected print only in the following runs");
   EXPECT_EQ(kFirstRunLabel, "Only the first run");
   EXPECT_EQ(kRunNumberLabel, "Only run number y");

@@ -9,35 +9,37 @@
 namespace ovaro {
 namespace {
 
+// Each choice in dialog order with its label, format, width, and 1234.5678 as it prints.
 TEST(NumberFormat, TableInDialogOrderWithDefaults) {
   struct Row {
     int id;
     std::string label, format;
     int width;
+    std::string printed;
   };
   const std::vector<Row> expected = {
-      {770, "00.", " %8.0f ", 10},
-      {774, "00.0", " %9.1f ", 11},
-      {778, "00.00", " %10.2f ", 12},
-      {782, "00.000", " %11.3f ", 13},
-      {784, "00.0000", " %12.4f ", 14},
-      {785, "0.0000E+000", " %9.4E ", 13},
-      {786, "0.00E+000", " %10.2E ", 13},
-      {790, "0.000000E+000", " %12.6E ", 17},
-      {795, "Floating or Exponential", " %12.4g ", 15},
+      {770, "00.", " %8.0f ", 10, "     1235 "},
+      {774, "00.0", " %9.1f ", 11, "    1234.6 "},
+      {778, "00.00", " %10.2f ", 12, "    1234.57 "},
+      {782, "00.000", " %11.3f ", 13, "    1234.568 "},
+      {784, "00.0000", " %12.4f ", 14, "    1234.5678 "},
+      {785, "0.0000E+000", " %9.4E ", 13, " 1.2346E+03 "},  // wider than its field
+      {786, "0.00E+000", " %10.2E ", 13, "   1.23E+03 "},
+      {790, "0.000000E+000", " %12.6E ", 17, " 1.234568E+03 "},
+      {795, "Floating or Exponential", " %12.4g ", 15, "         1235 "},
   };
   const auto table = numberFormats();
   ASSERT_EQ(table.size(), expected.size());
   for (std::size_t i = 0; i < expected.size(); ++i) {
-    SCOPED_TRACE(expected[i].id);
-    EXPECT_EQ(table[i].id, expected[i].id);
-    EXPECT_EQ(table[i].label, expected[i].label);
-    EXPECT_EQ(std::string(table[i].format), expected[i].format);
-    EXPECT_EQ(table[i].width, expected[i].width);
-    ASSERT_NE(findNumberFormat(expected[i].id), nullptr);
-    EXPECT_EQ(findNumberFormat(expected[i].id)->id, expected[i].id);
-    EXPECT_EQ(resultsNumberFormat(expected[i].id).id, expected[i].id);
-    EXPECT_EQ(std::string(debugElementFormat(expected[i].id)), expected[i].format);
+    const Row& e = expected[i];
+    SCOPED_TRACE(e.id);
+    EXPECT_EQ(table[i].id, e.id);
+    EXPECT_EQ(table[i].label, e.label);
+    EXPECT_EQ(table[i].width, e.width);
+    EXPECT_EQ(findNumberFormat(e.id), &table[i]);
+    EXPECT_EQ(resultsNumberFormat(e.id).id, e.id);
+    EXPECT_EQ(std::string(debugElementFormat(e.id)), e.format);
+    EXPECT_EQ(formatNumber(table[i].format, 1234.5678), e.printed);
   }
 
   // No choice, or an id that is not a format (a neighbour in the id space included).
@@ -50,17 +52,7 @@ TEST(NumberFormat, TableInDialogOrderWithDefaults) {
   }
 }
 
-TEST(NumberFormat, FormatsOneValueWithItsBlanks) {
-  const double v = 1234.5678;
-  EXPECT_EQ(formatNumber(" %8.0f ", v), "     1235 ");
-  EXPECT_EQ(formatNumber(" %9.1f ", v), "    1234.6 ");
-  EXPECT_EQ(formatNumber(" %10.2f ", v), "    1234.57 ");
-  EXPECT_EQ(formatNumber(" %11.3f ", v), "    1234.568 ");
-  EXPECT_EQ(formatNumber(" %12.4f ", v), "    1234.5678 ");
-  EXPECT_EQ(formatNumber(" %9.4E ", v), " 1.2346E+03 ");  // wider than its field
-  EXPECT_EQ(formatNumber(" %10.2E ", v), "   1.23E+03 ");
-  EXPECT_EQ(formatNumber(" %12.6E ", v), " 1.234568E+03 ");
-  EXPECT_EQ(formatNumber(" %12.4g ", v), "         1235 ");
+TEST(NumberFormat, TheWidestValuesAndAppending) {
   EXPECT_EQ(formatNumber(" %8.0f ", std::numeric_limits<double>::infinity()), "      inf ");
 
   // The widest doubles: 309 integer digits plus ".0000" and the two blanks.

@@ -42,6 +42,7 @@ AskDeleteElem answers(std::vector<int> typed) {
 struct ClassCase {
   Count Dimensions::*count;
   const char* matrix;  // a matrix whose first side is of the class
+  const char* added;   // what the addition reports
 };
 
 class AddThenDelete : public ::testing::TestWithParam<ClassCase> {};
@@ -56,6 +57,8 @@ TEST_P(AddThenDelete, RestoresTheModelAndDeletionRenumbers) {
   Dimensions old = model.dims;
   (model.dims.*c.count).set((old.*c.count).value + 1);
   reconcileSize(model, old, prompter, answers({}));
+  // (a state added under measurement error brings its observation, reported after it)
+  EXPECT_EQ(prompter.messages().at(0).text, c.added);
   const MatrixId id = *matrixByName(c.matrix);
   EXPECT_EQ(model.matrix(id)->rows(), (old.*c.count).value + 1);
   EXPECT_EQ(model.matrix(id)->cell((old.*c.count).value, 0), "0");
@@ -71,13 +74,15 @@ TEST_P(AddThenDelete, RestoresTheModelAndDeletionRenumbers) {
   EXPECT_EQ(model.matrix(id)->cell(0, 0), original.matrix(id)->cell(1, 0));
 }
 
-INSTANTIATE_TEST_SUITE_P(Classes, AddThenDelete,
-                         ::testing::Values(ClassCase{&Dimensions::n, "X0"},
-                                           ClassCase{&Dimensions::m, "LAMBDA"},
-                                           ClassCase{&Dimensions::l, "Z"},
-                                           ClassCase{&Dimensions::np, "TH0"},
-                                           ClassCase{&Dimensions::ny, "H"}),
-                         [](const auto& info) { return std::string(info.param.matrix); });
+INSTANTIATE_TEST_SUITE_P(
+    Classes, AddThenDelete,
+    ::testing::Values(
+        ClassCase{&Dimensions::n, "X0", "Completed Addition of State Variables"},
+        ClassCase{&Dimensions::m, "LAMBDA", "Completed Addition of Control Variables"},
+        ClassCase{&Dimensions::l, "Z", "Completed Addition of Exogenous Variables"},
+        ClassCase{&Dimensions::np, "TH0", "Added uncertain parameters."},
+        ClassCase{&Dimensions::ny, "H", "Completed Addition of Observation Variables"}),
+    [](const auto& info) { return std::string(info.param.matrix); });
 
 // Lowering n from 4 to 2 asks twice; the second deletion is told the count after the first, so
 // the same index 4 is now out of range, and the count says what the matrices hold.

@@ -2,8 +2,10 @@
 // accumulation orders that keep results equal to the bit between builds.
 #include "numeric/matrix_ops.h"
 
+#include <array>
 #include <cmath>
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <iostream>
 #include <iterator>
@@ -17,6 +19,7 @@
 #include "numeric/arrays.h"
 #include "numeric/prompter.h"
 #include "support/mat.h"
+#include "support/test_data.h"
 
 namespace ovaro {
 namespace {
@@ -58,46 +61,28 @@ TEST(MatrixOps, ElementwiseOperationsWriteOnlyTheirSize) {
   const Mat D = rowsMat({{-1, -1, -1}, {-2, -2, -2}, {0, 0, 0}});
   auto out = [] { return filledMat(1, 3, 1, 4, kSentinel); };
 
-  Mat r = out();
-  mzero(2, 3, r);
-  expectBlock(rowsMat({{0, 0, 0}, {0, 0, 0}}), r);
-
-  r = out();
-  mident(2, 3, r);
-  expectBlock(rowsMat({{1, 0, 0}, {0, 1, 0}}), r);
-  r = out();
-  mident(3, 2, r);
-  expectBlock(rowsMat({{1, 0}, {0, 1}, {0, 0}}), r);
-
-  r = out();
-  mmov(2, 3, A, r);
-  expectBlock(rowsMat({{1, 2, 3}, {4, 5, 6}}), r);
-
-  r = out();
-  mneg(2, 3, B, r);
-  expectBlock(rowsMat({{-0.5, 1, -2}, {-3, 0, 4}}), r);
-
-  r = out();
-  madd(2, 3, A, B, r);
-  expectBlock(rowsMat({{1.5, 1, 5}, {7, 5, 2}}), r);
-
-  r = out();
-  msub(2, 3, A, B, r);
-  expectBlock(rowsMat({{0.5, 3, 1}, {1, 5, 10}}), r);
-
-  r = out();
-  madd3(2, 3, A, B, C, r);
-  expectBlock(rowsMat({{11.5, 21, 35}, {47, 55, 62}}), r);
-
-  r = out();
-  madd4(2, 3, A, B, C, D, r);
-  expectBlock(rowsMat({{10.5, 20, 34}, {45, 53, 60}}), r);
+  using Op = std::function<void(Mat&)>;
+  const std::pair<Op, Mat> cases[] = {
+      {[&](Mat& r) { mzero(2, 3, r); }, rowsMat({{0, 0, 0}, {0, 0, 0}})},
+      {[&](Mat& r) { mident(2, 3, r); }, rowsMat({{1, 0, 0}, {0, 1, 0}})},
+      {[&](Mat& r) { mident(3, 2, r); }, rowsMat({{1, 0}, {0, 1}, {0, 0}})},
+      {[&](Mat& r) { mmov(2, 3, A, r); }, rowsMat({{1, 2, 3}, {4, 5, 6}})},
+      {[&](Mat& r) { mneg(2, 3, B, r); }, rowsMat({{-0.5, 1, -2}, {-3, 0, 4}})},
+      {[&](Mat& r) { madd(2, 3, A, B, r); }, rowsMat({{1.5, 1, 5}, {7, 5, 2}})},
+      {[&](Mat& r) { msub(2, 3, A, B, r); }, rowsMat({{0.5, 3, 1}, {1, 5, 10}})},
+      {[&](Mat& r) { madd3(2, 3, A, B, C, r); }, rowsMat({{11.5, 21, 35}, {47, 55, 62}})},
+      {[&](Mat& r) { madd4(2, 3, A, B, C, D, r); }, rowsMat({{10.5, 20, 34}, {45, 53, 60}})}};
+  for (const auto& [op, expected] : cases) {
+    Mat r = out();
+    op(r);
+    expectBlock(expected, r);
+  }
 
   // Column 2 of a per-period array (periods 0..2) added to the diagonal.
   Mat V = mat2(1, 3, 0, 2);
   for (int i = 1; i <= 3; ++i)
     for (int t = 0; t <= 2; ++t) V(i, t) = 100.0 * (t + 1) + i;
-  r = out();
+  Mat r = out();
   maddiagcol(2, 3, 2, A, V, r);
   expectBlock(rowsMat({{302, 2, 3}, {4, 307, 6}}), r);
   r = out();
@@ -116,22 +101,18 @@ TEST(MatrixOps, SubrangeOperationsWriteOnlyTheirBounds) {
     }
   auto inside = [](int i, int j) { return i >= 1 && i <= 2 && j >= 2 && j <= 4; };
 
-  Mat r = filledMat(0, 3, 0, 4, kSentinel);
-  mzerosub(1, 2, 2, 4, r);
-  for (int i = 0; i <= 3; ++i)
-    for (int j = 0; j <= 4; ++j) EXPECT_EQ(r(i, j), inside(i, j) ? 0.0 : kSentinel) << i << j;
-
-  r = filledMat(0, 3, 0, 4, kSentinel);
-  mmovsub(1, 2, 2, 4, A, r);
-  for (int i = 0; i <= 3; ++i)
-    for (int j = 0; j <= 4; ++j)
-      EXPECT_EQ(r(i, j), inside(i, j) ? 10.0 * i + j : kSentinel) << i << j;
-
-  r = filledMat(0, 3, 0, 4, kSentinel);
-  msubsub(1, 2, 2, 4, A, B, r);
-  for (int i = 0; i <= 3; ++i)
-    for (int j = 0; j <= 4; ++j)
-      EXPECT_EQ(r(i, j), inside(i, j) ? 11.0 * i + 0.75 * j : kSentinel) << i << j;
+  const std::pair<std::function<void(Mat&)>, std::function<double(int, int)>> cases[] = {
+      {[&](Mat& r) { mzerosub(1, 2, 2, 4, r); }, [](int, int) { return 0.0; }},
+      {[&](Mat& r) { mmovsub(1, 2, 2, 4, A, r); }, [](int i, int j) { return 10.0 * i + j; }},
+      {[&](Mat& r) { msubsub(1, 2, 2, 4, A, B, r); },
+       [](int i, int j) { return 11.0 * i + 0.75 * j; }}};
+  for (const auto& [op, value] : cases) {
+    Mat r = filledMat(0, 3, 0, 4, kSentinel);
+    op(r);
+    for (int i = 0; i <= 3; ++i)
+      for (int j = 0; j <= 4; ++j)
+        EXPECT_EQ(r(i, j), inside(i, j) ? value(i, j) : kSentinel) << i << j;
+  }
 
   // B(j, i) = A(i, j) over rows 1..2, columns 2..4 of A.
   Mat t = filledMat(0, 4, 0, 3, kSentinel);
@@ -231,13 +212,12 @@ class RecordingTrace : public MatrixTrace {
  public:
   struct Shown {
     std::string label;
-    int rlo, rhi, clo, chi;
     Mat copy;
   };
   void matrix(std::string_view label, int rlo, int rhi, int clo, int chi, const Mat& a) override {
     Mat copy = mat2(rlo, rhi, clo, chi);
     mmovsub(rlo, rhi, clo, chi, a, copy);
-    shown.push_back({std::string(label), rlo, rhi, clo, chi, std::move(copy)});
+    shown.push_back({std::string(label), std::move(copy)});
   }
   std::vector<Shown> shown;
 };
@@ -257,31 +237,22 @@ TEST(MatrixOps, QuadraticFormTracesItsStepsAndMatchesTheUntracedForm) {
   mmul31tv(3, 2, 2, A, K, V, traced, &trace);
   expectBlock(rowsMat({{12, 1, 3}, {0, 23, -3}, {4, -1, 39}}), traced);
 
-  struct Expected {
-    const char* label;
-    int rows, cols;
-    Mat value;
-  };
-  const Expected expected[] = {
-      {"kuc in mmul31tv", 2, 2, K},
-      {"a in mmul31tv", 2, 3, A},
-      {"kuca in mmul31tv", 2, 3, rowsMat({{2, 1, 3}, {0, 3, -3}})},
-      {"at in mmul31tv", 3, 2, rowsMat({{1, 0}, {0, 1}, {2, -1}})},
-      {"atkuca in mmul31tv", 3, 3, rowsMat({{2, 1, 3}, {0, 3, -3}, {4, -1, 9}})},
+  const std::pair<const char*, Mat> expected[] = {
+      {"kuc in mmul31tv", K},
+      {"a in mmul31tv", A},
+      {"kuca in mmul31tv", rowsMat({{2, 1, 3}, {0, 3, -3}})},
+      {"at in mmul31tv", rowsMat({{1, 0}, {0, 1}, {2, -1}})},
+      {"atkuca in mmul31tv", rowsMat({{2, 1, 3}, {0, 3, -3}, {4, -1, 9}})},
   };
   ASSERT_EQ(trace.shown.size(), std::size(expected));
   for (std::size_t s = 0; s < std::size(expected); ++s) {
-    const auto& got = trace.shown[s];
-    const auto& want = expected[s];
-    SCOPED_TRACE(want.label);
-    EXPECT_EQ(got.label, want.label);
-    EXPECT_EQ(got.rlo, 1);
-    EXPECT_EQ(got.rhi, want.rows);
-    EXPECT_EQ(got.clo, 1);
-    EXPECT_EQ(got.chi, want.cols);
-    for (int i = 1; i <= want.rows; ++i)
-      for (int j = 1; j <= want.cols; ++j)
-        EXPECT_EQ(got.copy(i, j), want.value(i, j)) << i << "," << j;
+    const auto& [label, value] = expected[s];
+    SCOPED_TRACE(label);
+    EXPECT_EQ(trace.shown[s].label, label);
+    const Mat& copy = trace.shown[s].copy;
+    EXPECT_EQ((std::array{copy.rlo(), copy.rhi(), copy.clo(), copy.chi()}),
+              (std::array{1, value.rows(), 1, value.cols()}));
+    expectBlock(value, copy);
   }
 
   Mat untraced = filledMat(1, 4, 1, 4, kSentinel);
@@ -416,57 +387,42 @@ Mat3 scenarios(int n, int nt, int count) {
   return a;
 }
 
-TEST(MatrixOps, ModMatSizeAddsAZeroScenario) {
-  RecordingPrompter prompter;
-  const int n = 2, nt = 3;
-  Mat3 grown = ModMatSize(1, n, 0, nt - 1, 1, 3, 4, scenarios(n, nt, 3), prompter);
-  EXPECT_TRUE(prompter.messages().empty());
-  EXPECT_EQ(grown.dlo(), 1);
-  EXPECT_EQ(grown.dhi(), 4);
-  const Mat3 reference = scenarios(n, nt, 3);
-  for (int i = 1; i <= n; ++i)
-    for (int t = 0; t < nt; ++t) {
-      for (int k = 1; k <= 3; ++k) EXPECT_EQ(grown(i, t, k), reference(i, t, k)) << i << t << k;
-      EXPECT_EQ(grown(i, t, 4), 0.0) << i << t;
-    }
+// Scenarios `from`..`to` of `got` are those of `ref`, every other one of its scenarios is zero.
+void expectScenarios(const Mat3& got, const Mat3& ref, int from, int to) {
+  for (int i = got.rlo(); i <= got.rhi(); ++i)
+    for (int t = got.clo(); t <= got.chi(); ++t)
+      for (int k = got.dlo(); k <= got.dhi(); ++k)
+        EXPECT_EQ(got(i, t, k), k >= from && k <= to ? ref(i, t, k) : 0.0) << i << t << k;
 }
 
-TEST(MatrixOps, ShrinkingWarnsAndKeepsWhatFits) {
+TEST(MatrixOps, ModMatSizeAddsAZeroScenarioOrWarnsAndKeepsWhatFits) {
   RecordingPrompter prompter;
-  const int n = 2, nt = 3;
-  Mat3 shrunk = ModMatSize(1, n, 0, nt - 1, 1, 4, 2, scenarios(n, nt, 4), prompter);
-  ASSERT_EQ(prompter.messages().size(), 2u);
-  EXPECT_EQ(prompter.messages()[0].text, "l3old greater than l3new in ModMatSize");
-  EXPECT_EQ(prompter.messages()[0].caption, "Warning!");
-  EXPECT_EQ(prompter.messages()[0].buttons, Buttons::Ok);
-  EXPECT_EQ(prompter.messages()[1].text, "l3old greater than l3new in mmov3dsub");
-  EXPECT_EQ(prompter.messages()[1].caption, "Warning!");
-  EXPECT_EQ(shrunk.dhi(), 2);
-  const Mat3 reference = scenarios(n, nt, 4);
-  for (int i = 1; i <= n; ++i)
-    for (int t = 0; t < nt; ++t)
-      for (int k = 1; k <= 2; ++k) EXPECT_EQ(shrunk(i, t, k), reference(i, t, k)) << i << t << k;
-
-  // The copy on its own: warns, copies up to where the destination ends.
-  prompter.clear();
-  Mat3 to = mat3(1, n, 0, nt - 1, 1, 3);
-  mmov3dsub(1, n, 0, nt - 1, 1, 4, 3, reference, to, prompter);
-  ASSERT_EQ(prompter.messages().size(), 1u);
-  EXPECT_EQ(prompter.messages()[0].text, "l3old greater than l3new in mmov3dsub");
-  EXPECT_EQ(prompter.messages()[0].caption, "Warning!");
-  for (int i = 1; i <= n; ++i)
-    for (int t = 0; t < nt; ++t)
-      for (int k = 1; k <= 3; ++k) EXPECT_EQ(to(i, t, k), reference(i, t, k)) << i << t << k;
-
-  // Without the warning case it copies ndl..l3old and leaves the rest of the destination alone.
-  prompter.clear();
-  Mat3 wide = mat3(1, n, 0, nt - 1, 1, 5);
-  mmov3dsub(1, n, 0, nt - 1, 2, 3, 5, reference, wide, prompter);
+  const Mat3 three = scenarios(2, 3, 3), four = scenarios(2, 3, 4);
+  const Mat3 grown = ModMatSize(1, 2, 0, 2, 1, 3, 4, three, prompter);
   EXPECT_TRUE(prompter.messages().empty());
-  for (int i = 1; i <= n; ++i)
-    for (int t = 0; t < nt; ++t)
-      for (int k = 1; k <= 5; ++k)
-        EXPECT_EQ(wide(i, t, k), k >= 2 && k <= 3 ? reference(i, t, k) : 0.0) << i << t << k;
+  EXPECT_EQ(grown.dhi(), 4);
+  expectScenarios(grown, three, 1, 3);
+
+  const Mat3 shrunk = ModMatSize(1, 2, 0, 2, 1, 4, 2, four, prompter);
+  EXPECT_EQ(testing::shown(prompter),
+            (std::vector<std::string>{"Warning!: l3old greater than l3new in ModMatSize",
+                                      "Warning!: l3old greater than l3new in mmov3dsub"}));
+  EXPECT_EQ(prompter.messages()[0].buttons, Buttons::Ok);
+  EXPECT_EQ(shrunk.dhi(), 2);
+  expectScenarios(shrunk, four, 1, 2);
+
+  // The copy on its own: warns and copies up to where the destination ends; without the warning
+  // case it copies ndl..l3old and leaves the rest of the destination alone.
+  prompter.clear();
+  Mat3 to = mat3(1, 2, 0, 2, 1, 3), wide = mat3(1, 2, 0, 2, 1, 5);
+  mmov3dsub(1, 2, 0, 2, 1, 4, 3, four, to, prompter);
+  EXPECT_EQ(testing::shown(prompter),
+            std::vector<std::string>{"Warning!: l3old greater than l3new in mmov3dsub"});
+  expectScenarios(to, four, 1, 3);
+  prompter.clear();
+  mmov3dsub(1, 2, 0, 2, 2, 3, 5, four, wide, prompter);
+  EXPECT_TRUE(prompter.messages().empty());
+  expectScenarios(wide, four, 2, 3);
 }
 
 }  // namespace

@@ -18,37 +18,10 @@
 
 #include "model/model.h"
 #include "numeric/arrays.h"
+#include "support/dense.h"
 #include "support/model_fixtures.h"
 
 namespace ovaro::testing {
-
-using Vector = std::vector<double>;
-using Dense = std::vector<Vector>;  // row-major, Dense[i][j]
-
-// X = M^-1 R for a square M and any number of right-hand columns.
-inline Dense solveDense(Dense M, Dense R) {
-  const std::size_t n = M.size();
-  for (std::size_t k = 0; k < n; ++k) {
-    std::size_t piv = k;
-    for (std::size_t i = k + 1; i < n; ++i)
-      if (std::fabs(M[i][k]) > std::fabs(M[piv][k])) piv = i;
-    std::swap(M[k], M[piv]);
-    std::swap(R[k], R[piv]);
-    for (std::size_t i = k + 1; i < n; ++i) {
-      const double f = M[i][k] / M[k][k];
-      for (std::size_t j = k; j < n; ++j) M[i][j] -= f * M[k][j];
-      for (std::size_t j = 0; j < R[i].size(); ++j) R[i][j] -= f * R[k][j];
-    }
-  }
-  for (std::size_t k = n; k-- > 0;) {
-    for (std::size_t j = 0; j < R[k].size(); ++j) {
-      double s = R[k][j];
-      for (std::size_t c = k + 1; c < n; ++c) s -= M[k][c] * R[c][j];
-      R[k][j] = s / M[k][k];
-    }
-  }
-  return R;
-}
 
 // A problem as the Model states it. With a0 non-empty it is in the Pindyck form and a, b, c hold
 // A1, B1, C1. Per-period data: z and lam, ud for t = 0..T-1; w and xd for t = 0..T.

@@ -13,15 +13,12 @@
 #include "solve/stacked_reference.h"
 #include "support/debug_labels.h"
 #include "support/temp_dir.h"
+#include "support/test_data.h"
 
 namespace ovaro {
 namespace {
 
 using testing::debugLabels;
-
-std::vector<std::string> labels(const std::string& content) {
-  return debugLabels(content);
-}
 
 long firstOf(const std::vector<std::string>& l, const std::string& label) {
   const auto it = std::find(l.begin(), l.end(), label);
@@ -51,33 +48,9 @@ TEST(QlpTrace, EverySwitchOnDumpsInTheOrderOfTheAlgorithm) {
   all.set(DebugSwitch::QlpAll);
   const std::string content = tracedSolve(testing::caseModel(k, testing::constantFlags()), all);
   ASSERT_EQ(content.rfind("Debug File for QLP \n", 0), 0u);
-  const std::vector<std::string> l = labels(content);
-  const char* order[] = {"a",
-                         "b",
-                         "capc",
-                         "z",
-                         "cs",
-                         "ws",
-                         "x0",
-                         "xtws",
-                         "wlcs",
-                         "kj1",
-                         "pj1",
-                         "a in comphi",
-                         "kuc in mmul31tv",
-                         "atkuca in mmul31tv",
-                         "phi in comphi",
-                         "psi in comphi",
-                         "kj",
-                         "g",
-                         "xk in compu",
-                         "xk1",
-                         "xs",
-                         "us",
-                         "sum in sumc",
-                         "criterion"};
+  const std::vector<std::string> l = debugLabels(content);
   long previous = -1;
-  for (const char* label : order) {
+  for (const std::string& label : testing::dataSection("qlp_trace.txt", "every-switch-order")) {
     const long at = firstOf(l, label);
     EXPECT_GT(at, previous) << label;
     previous = at;
@@ -102,11 +75,11 @@ TEST(QlpTrace, SwitchesChooseTheDumps) {
     expected.push_back("g");
     expected.push_back("glc");
   }
-  EXPECT_EQ(labels(tracedSolve(model, gAndG)), expected);
+  EXPECT_EQ(debugLabels(tracedSolve(model, gAndG)), expected);
 
   DebugSwitches criterion;
   criterion.set(DebugSwitch::QlpCriterionValue);
-  EXPECT_EQ(labels(tracedSolve(model, criterion)),
+  EXPECT_EQ(debugLabels(tracedSolve(model, criterion)),
             (std::vector<std::string>{"Debug File for QLP", "sum in sumc", "criterion"}));
 }
 
@@ -119,7 +92,7 @@ TEST(QlpTrace, ForwardVariableLoopIsTracedIterationByIteration) {
     for (int i = 0; i < k.n; ++i) testing::setCell(model, id, i, i, 0.05);
   DebugSwitches sw;
   sw.set(DebugSwitch::QlpForwardLooking);
-  const std::vector<std::string> l = labels(tracedSolve(model, sw));
+  const std::vector<std::string> l = debugLabels(tracedSolve(model, sw));
   // Every pass: the lead adjustment, then the convergence test of its controls.
   const long passes = std::count(l.begin(), l.end(), "cs in forward at top");
   ASSERT_GE(passes, 2);

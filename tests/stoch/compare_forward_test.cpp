@@ -11,55 +11,16 @@
 #include "numeric/matrix_ops.h"
 #include "solve/drivers.h"
 #include "stoch/compare.h"
-#include "support/model_fixtures.h"
+#include "support/data_models.h"
 
 namespace ovaro {
 namespace {
 
-void set(Model& model, MatrixId id, int r, int c, const char* text) {
-  model.matrix(id)->setCell(r, c, text);
-}
-
 // Two states, one control, lead 1; the one uncertain parameter is B(1, 1) (in the Pindyck form
-// A0 only links state 2 to state 1, so B(1, 1) = B1(1, 1)), and TH0 is its true value.
-Model forwardModel(int form, int lead = 1) {
-  testing::ModelShape shape;
-  shape.np = 1;
-  shape.nmc = 2;
-  shape.terminalPeriod = 8;
-  shape.maxLead = lead;
-  shape.iterlim = 200;
-  shape.tolerance = "1.0E-16";
-  shape.flags.systemForm = form;
-  shape.flags.forwardVars = opt::kForwardYes;
-  Model model = testing::makeModel(shape, opt::kParameterUncertainty);
-  const bool pindyck = form == opt::kPindyck;
-  set(model, pindyck ? MatrixId::A1 : MatrixId::A, 0, 0, "0.7");
-  set(model, pindyck ? MatrixId::A1 : MatrixId::A, 0, 1, "0.2");
-  set(model, pindyck ? MatrixId::A1 : MatrixId::A, 1, 1, "0.6");
-  set(model, pindyck ? MatrixId::B1 : MatrixId::B, 0, 0, "0.5");
-  set(model, pindyck ? MatrixId::B1 : MatrixId::B, 1, 0, "0.3");
-  set(model, pindyck ? MatrixId::C1 : MatrixId::C, 0, 0, "0.4");
-  set(model, pindyck ? MatrixId::DHAT1 : MatrixId::D1, 0, 0, "0.3");
-  set(model, pindyck ? MatrixId::DHAT1 : MatrixId::D1, 1, 0, "0.1");
-  set(model, pindyck ? MatrixId::DHAT1 : MatrixId::D1, 1, 1, "0.2");
-  if (pindyck) set(model, MatrixId::A0, 1, 0, "0.25");
-  set(model, MatrixId::Z, 0, 0, "1");
-  set(model, MatrixId::X0, 0, 0, "1");
-  set(model, MatrixId::X0, 1, 0, "-0.5");
-  set(model, MatrixId::W, 0, 0, "1");
-  set(model, MatrixId::W, 1, 0, "0.5");
-  set(model, MatrixId::LAMBDA, 0, 0, "0.2");
-  set(model, MatrixId::XDES, 0, 0, "2");
-  set(model, MatrixId::Q, 0, 0, "0.01");
-  set(model, MatrixId::Q, 1, 1, "0.01");
-  set(model, MatrixId::TH0, 0, 0, "0.5");
-  set(model, MatrixId::SITT0, 0, 0, "0.04");
-  for (int c = 0; c < 3; ++c) set(model, MatrixId::ITHN, 0, c, "1");
-  set(model, MatrixId::G, 0, 0, "-0.4");
-  set(model, MatrixId::g, 0, 0, "0.6");
-  model.randomSwitches = {};  // no noise of any kind, the initial estimates at the truth
-  return model;
+// A0 only links state 2 to state 1, so B(1, 1) = B1(1, 1)), and TH0 is its true value. No noise of
+// any kind, the initial estimates at the truth, and the handcrafted rule u = -0.4 x1 + 0.6.
+Model forwardModel(int form) {
+  return testing::dataModel(form == opt::kPindyck ? "forward_pindyck.ovi" : "forward_regular.ovi");
 }
 
 class ForwardLearning : public ::testing::TestWithParam<int> {};

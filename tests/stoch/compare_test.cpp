@@ -11,8 +11,9 @@
 #include "numeric/matrix_ops.h"
 #include "stoch/monte_carlo_stats.h"
 #include "stoch/updating.h"
-#include "support/model_fixtures.h"
+#include "support/data_models.h"
 #include "support/temp_dir.h"
+#include "support/test_data.h"
 
 namespace ovaro {
 namespace {
@@ -21,35 +22,11 @@ void set(Model& model, MatrixId id, int r, int c, double v) {
   model.matrix(id)->setCell(r, c, std::to_string(v).substr(0, 15));
 }
 
-// Two states, one control, one uncertain parameter in B(1, 1), five periods; additive noise.
+// Two states, one control, one uncertain parameter in B(1, 1), five periods, additive noise, and
+// the handcrafted rule u = -0.4 x1 - 0.1 x2 + 0.6.
 Model learningModel(int policy = opt::kPolicyNo) {
-  testing::ModelShape shape;
-  shape.n = 2;
-  shape.m = 1;
-  shape.l = 1;
-  shape.np = 1;
-  shape.nmc = 4;
-  shape.initialPeriod = 1;
-  shape.terminalPeriod = 6;
-  shape.flags.policyToParam = policy;
-  Model model = testing::makeModel(shape, opt::kParameterUncertainty);
-  struct Cell {
-    MatrixId id;
-    int r, c;
-    double v;
-  };
-  const Cell cells[] = {
-      {MatrixId::A, 0, 0, 0.8},    {MatrixId::A, 0, 1, 0.1},      {MatrixId::A, 1, 1, 0.7},
-      {MatrixId::B, 0, 0, 0.5},    {MatrixId::B, 1, 0, 0.2},      {MatrixId::C, 0, 0, 0.3},
-      {MatrixId::Z, 0, 0, 1.0},    {MatrixId::X0, 0, 0, 1.0},     {MatrixId::X0, 1, 0, -0.5},
-      {MatrixId::W, 0, 0, 1.0},    {MatrixId::W, 1, 0, 0.5},      {MatrixId::LAMBDA, 0, 0, 0.2},
-      {MatrixId::XDES, 0, 0, 2.0}, {MatrixId::Q, 0, 0, 0.01},     {MatrixId::Q, 1, 1, 0.02},
-      {MatrixId::TH0, 0, 0, 0.5},  {MatrixId::SITT0, 0, 0, 0.04}, {MatrixId::G, 0, 0, -0.4},
-      {MatrixId::G, 0, 1, -0.1},   {MatrixId::g, 0, 0, 0.6}};
-  for (const Cell& e : cells) set(model, e.id, e.r, e.c, e.v);
-  for (int c = 0; c < 3; ++c) model.matrix(MatrixId::ITHN)->setCell(0, c, "1");  // B(1, 1)
-  model.randomSwitches.uncertainParameters = 1;
-  model.randomSwitches.systemEquations = 1;
+  Model model = testing::dataModel("learning.ovi");
+  model.flags.policyToParam = policy;
   return model;
 }
 
@@ -217,34 +194,29 @@ TEST(Compare, SummaryMessagesAndRefusals) {
     maincompare(model, settingsFor({kHcfr, kCe}, 1), random, prompter, progress);
     for (const Message& m : prompter.messages()) EXPECT_NE(m.caption, "Method Count");
   }
-  {
+  // No runs, a zero Q declined (it asks first, No stops the solve), a deterministic model.
+  struct Refusal {
+    int runs, status;
+    std::string shown;
+  };
+  const Refusal refusals[] = {
+      {0, 1, "Warning!: Number of Monte Carlo runs set to zero so no solution."},
+      {2, 0, "Warning!: Q(1,1) is very small."},
+      {2, -1,
+       "Warning!!: Warning: Need complexity of stochastic \t\t   \r or greater for "
+       "Solve:Compare.  Use Solve:QLP instead."}};
+  for (const Refusal& f : refusals) {
+    if (f.status == 0) set(model, MatrixId::Q, 0, 0, 0.0);
+    if (f.status == -1) model.flags.stochTerms = opt::kDeterministic;
     RecordingPrompter prompter;
-    const CompareResult r = maincompare(model, settingsFor({kCe}, 0), random, prompter, progress);
-    EXPECT_EQ(r.runs, 0);
-    ASSERT_EQ(prompter.messages().size(), 1u);
-    EXPECT_EQ(prompter.messages()[0].text,
-              "Number of Monte Carlo runs set to zero so no solution.");
-  }
-  {
-    RecordingPrompter prompter;  // a zero Q asks first; No stops the solve
-    set(model, MatrixId::Q, 0, 0, 0.0);
     prompter.scriptAnswer(Answer::No);
-    const CompareResult r = maincompare(model, settingsFor({kCe}, 2), random, prompter, progress);
-    EXPECT_EQ(r.status, 0);
-    ASSERT_EQ(prompter.messages().size(), 1u);
-    EXPECT_EQ(prompter.messages()[0].caption, "Warning!");
-    EXPECT_EQ(prompter.messages()[0].buttons, Buttons::YesNo);
-    EXPECT_EQ(prompter.messages()[0].text.rfind("Q(1,1) is very small.", 0), 0u);
-  }
-  {
-    RecordingPrompter prompter;
-    model.flags.stochTerms = opt::kDeterministic;
-    const CompareResult r = maincompare(model, settingsFor({kCe}, 2), random, prompter, progress);
-    EXPECT_EQ(r.status, -1);
-    ASSERT_EQ(prompter.messages().size(), 1u);
-    EXPECT_EQ(prompter.messages()[0].text,
-              "Warning: Need complexity of stochastic \t\t   \r or greater for Solve:Compare.  "
-              "Use Solve:QLP instead.");
+    const CompareResult r =
+        maincompare(model, settingsFor({kCe}, f.runs), random, prompter, progress);
+    EXPECT_EQ(r.status, f.status);
+    const std::vector<std::string> shown = testing::shown(prompter);
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_EQ(shown[0].substr(0, f.shown.size()), f.shown);
+    EXPECT_EQ(prompter.messages()[0].buttons == Buttons::YesNo, f.status == 0);
   }
 }
 

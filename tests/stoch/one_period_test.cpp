@@ -192,69 +192,59 @@ struct ParameterPath {
   }
 };
 
-TEST(CompThetaTrueOnePeriod, PolicyEffectScalesTheParametersByTheWeightedControlChange) {
-  ParameterPath p;
-  PeriodContext ctx;
-  ASSERT_EQ(CompThetaTrueOnePeriod(ctx, p.np, p.m, p.nt, 1, 1, p.uk, p.us, p.npolicy, p.etas,
-                                   p.thetatrue, SolveTrace()),
-            1);
-  // ukpercent = (0.5, -2.5); plc = N ukpercent = (0.5 - 1.25, -5).
-  EXPECT_EQ(p.thetatrue(1, 2), (0.6 + -0.75 * 0.6) + 0.02);
-  EXPECT_EQ(p.thetatrue(2, 2), (1.2 + -5.0 * 1.2) - 0.04);
-  EXPECT_FALSE(ctx.divisionWarning);
-  // Columns other than k + 1 are left alone.
-  EXPECT_EQ(p.thetatrue(1, 1), 0.6);
-  EXPECT_EQ(p.thetatrue(1, 3), 0.0);
-}
-
-TEST(CompThetaTrueOnePeriod, PeriodZeroHasNoPercentageChange) {
-  ParameterPath p;
-  PeriodContext ctx;
-  ASSERT_EQ(CompThetaTrueOnePeriod(ctx, p.np, p.m, p.nt, 0, 1, p.uk, p.us, p.npolicy, p.etas,
-                                   p.thetatrue, SolveTrace()),
-            1);
-  EXPECT_EQ(p.thetatrue(1, 1), 0.8 + 0.01);
-  EXPECT_EQ(p.thetatrue(2, 1), -0.4 - 0.02);
-  EXPECT_FALSE(ctx.divisionWarning);
-}
-
-TEST(CompThetaTrueOnePeriod, WithoutThePolicyEffectTheParametersWalkAndNIsNotRead) {
-  ParameterPath p;
-  const double nan = std::numeric_limits<double>::quiet_NaN();
-  const Mat unreadable = rows(2, 2, {nan, nan, nan, nan});
-  p.us(1, 0) = 0.0;  // would be a division warning with the effect on
-  PeriodContext ctx;
-  const std::string content =
-      traced(topics({SolveTopic::TrueParametersIntermediate, SolveTopic::TrueParametersFinal}),
-             [&](const SolveTrace& t) {
-               EXPECT_EQ(CompThetaTrueOnePeriod(ctx, p.np, p.m, p.nt, 1, 0, p.uk, p.us, unreadable,
-                                                p.etas, p.thetatrue, t),
-                         1);
-             });
-  EXPECT_EQ(p.thetatrue(1, 2), 0.6 + 0.02);
-  EXPECT_EQ(p.thetatrue(2, 2), 1.2 - 0.04);
-  EXPECT_FALSE(ctx.divisionWarning);
-  EXPECT_EQ(labels(content), expected("CompThetaTrueOnePeriod without the policy effect"));
-}
-
-TEST(CompThetaTrueOnePeriod, ZeroPreviousControlIsReplacedAndReported) {
-  ParameterPath p;
-  p.us(2, 0) = 0.0;
-  PeriodContext ctx;
-  ctx.run = 7;
-  ctx.method = "OLF";
-  // The warning is written whatever the topics.
-  const std::string content = traced(topics({}), [&](const SolveTrace& t) {
-    EXPECT_EQ(CompThetaTrueOnePeriod(ctx, p.np, p.m, p.nt, 1, 1, p.uk, p.us, p.npolicy, p.etas,
-                                     p.thetatrue, t),
-              1);
-  });
-  EXPECT_TRUE(ctx.divisionWarning);
-  EXPECT_EQ(content, warning(0));
-  // ukpercent = (0.5, 99999); plc = (0.25 + 49999.5, 199998): the run goes on with the jump.
-  EXPECT_EQ(p.thetatrue(1, 2), (0.6 + 50000.0 * 0.6) + 0.02);
-  EXPECT_EQ(p.thetatrue(2, 2), (1.2 + 199998.0 * 1.2) - 0.04);
-
+// One step of the true parameters: theta(k+1) = theta(k) + puc theta(k) + eta(k) with the policy
+// effect, puc = diag(N ukpercent), ukpercent = (u(k) - u(k-1)) / u(k-1); a previous control of zero
+// (|u| < 1e-9) gives 99999 and a warning written whatever the topics.
+TEST(CompThetaTrueOnePeriod, StepsTheTrueParametersWithTheirWarningAndLabels) {
+  using T = SolveTopic;
+  struct Case {
+    const char* what;
+    int k, effect, zeroControl, run;
+    double theta1, theta2;  // the new column k + 1
+    std::bitset<kSolveTopicCount> on;
+    std::string written;  // the labels' section, or the warning
+  };
+  const Case cases[] = {
+      // ukpercent = (0.5, -2.5); plc = N ukpercent = (0.5 - 1.25, -5).
+      {"policy effect", 1, 1, 0, 0, (0.6 + -0.75 * 0.6) + 0.02, (1.2 + -5.0 * 1.2) - 0.04,
+       topics({T::TrueParametersIntermediate}), "with the policy effect"},
+      {"period 0: no percentage change", 0, 1, 0, 0, 0.8 + 0.01, -0.4 - 0.02, topics({}), ""},
+      // N is not read: NaN there would show.
+      {"without the effect", 1, 0, 1, 0, 0.6 + 0.02, 1.2 - 0.04,
+       topics({T::TrueParametersIntermediate, T::TrueParametersFinal}),
+       "without the policy effect"},
+      // ukpercent = (0.5, 99999); plc = (0.25 + 49999.5, 199998): the run goes on with the jump.
+      {"Monte Carlo run", 1, 1, 2, 7, (0.6 + 50000.0 * 0.6) + 0.02, (1.2 + 199998.0 * 1.2) - 0.04,
+       topics({}), warning(0)},
+      {"single solve", 1, 1, 1, 0, (0.6 + 99997.75 * 0.6) + 0.02, (1.2 + -5.0 * 1.2) - 0.04,
+       topics({}), warning(1)}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    ParameterPath p;
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    if (c.effect == 0) p.npolicy = rows(2, 2, {nan, nan, nan, nan});
+    if (c.zeroControl > 0) p.us(c.zeroControl, 0) = 0.0;
+    PeriodContext ctx;
+    ctx.run = c.run;
+    ctx.method = "OLF";
+    const std::string content = traced(c.on, [&](const SolveTrace& t) {
+      EXPECT_EQ(CompThetaTrueOnePeriod(ctx, p.np, p.m, p.nt, c.k, c.effect, p.uk, p.us, p.npolicy,
+                                       p.etas, p.thetatrue, t),
+                1);
+    });
+    EXPECT_EQ(p.thetatrue(1, c.k + 1), c.theta1);
+    EXPECT_EQ(p.thetatrue(2, c.k + 1), c.theta2);
+    EXPECT_EQ(p.thetatrue(1, c.k), c.k == 1 ? 0.6 : 0.8);  // other columns left alone
+    EXPECT_EQ(p.thetatrue(1, c.k + 2), 0.0);
+    EXPECT_EQ(ctx.divisionWarning, c.effect == 1 && c.zeroControl > 0);
+    if (c.written.starts_with("\r")) {
+      EXPECT_EQ(content, c.written);
+    } else {
+      EXPECT_EQ(labels(content), c.written.empty()
+                                     ? std::vector<std::string>{}
+                                     : expected("CompThetaTrueOnePeriod " + c.written));
+    }
+  }
   // Near zero on either side counts as zero; exactly the limit does not.
   for (double previous : {9.9e-10, -9.9e-10, 1e-9}) {
     ParameterPath q;
@@ -264,24 +254,6 @@ TEST(CompThetaTrueOnePeriod, ZeroPreviousControlIsReplacedAndReported) {
                            SolveTrace());
     EXPECT_EQ(c.divisionWarning, previous != 1e-9) << previous;
   }
-}
-
-TEST(CompThetaTrueOnePeriod, SingleSolvesWriteTheShortWarning) {
-  ParameterPath p;
-  p.us(1, 0) = 0.0;
-  PeriodContext ctx;  // run 0: the QLP or OLF solve
-  const std::string content = traced(topics({}), [&](const SolveTrace& t) {
-    CompThetaTrueOnePeriod(ctx, p.np, p.m, p.nt, 1, 1, p.uk, p.us, p.npolicy, p.etas, p.thetatrue,
-                           t);
-  });
-  EXPECT_EQ(content, warning(1));
-  // Without a debug file the flag is still set.
-  PeriodContext quiet;
-  ParameterPath q;
-  q.us(1, 0) = 0.0;
-  CompThetaTrueOnePeriod(quiet, q.np, q.m, q.nt, 1, 1, q.uk, q.us, q.npolicy, q.etas, q.thetatrue,
-                         SolveTrace());
-  EXPECT_TRUE(quiet.divisionWarning);
 }
 
 TEST(CompThetaTrueOnePeriod, FailedWarningWriteStopsTheRoutine) {
@@ -294,17 +266,6 @@ TEST(CompThetaTrueOnePeriod, FailedWarningWriteStopsTheRoutine) {
                                    p.thetatrue, SolveTrace(&file, topics({}))),
             0);
   EXPECT_EQ(p.thetatrue(1, 2), 0.0);
-}
-
-TEST(CompThetaTrueOnePeriod, LabelsWithThePolicyEffect) {
-  ParameterPath p;
-  PeriodContext ctx;
-  const std::string content =
-      traced(topics({SolveTopic::TrueParametersIntermediate}), [&](const SolveTrace& t) {
-        CompThetaTrueOnePeriod(ctx, p.np, p.m, p.nt, 1, 1, p.uk, p.us, p.npolicy, p.etas,
-                               p.thetatrue, t);
-      });
-  EXPECT_EQ(labels(content), expected("CompThetaTrueOnePeriod with the policy effect"));
 }
 
 TEST(TrueParameterEvolution, RebuildsTheTrueSystemFromTheNewParameters) {
