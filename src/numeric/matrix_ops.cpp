@@ -77,19 +77,44 @@ void maddiagcol(int n, int m, int k, const Mat& A, const Mat& V, Mat& C) {
     for (int j = 1; j <= m; ++j) C(i, j) = i == j ? A(i, j) + V(i, k) : A(i, j);
 }
 
-// C = A B
+// C = A B. Each C(i, j) is summed from 0 over k = 1..p in increasing order. The row of C is the
+// running sum itself: for each k, A(i, k) times row k of B is added to the whole row, so every
+// element still takes its terms in the order k = 1..p, while the compiler may add neighbouring
+// elements in one vector instruction.
 void mmul(int n, int p, int m, const Mat& A, const Mat& B, Mat& C) {
-  for (int i = 1; i <= n; ++i)
-    for (int j = 1; j <= m; ++j) {
-      double sum = 0.0;
-      for (int k = 1; k <= p; ++k) sum += A(i, k) * B(k, j);
-      C(i, j) = sum;
+  if (m < 1) return;
+  for (int i = 1; i <= n; ++i) {
+    double* __restrict c = C.at(i, 1);
+    for (int j = 0; j < m; ++j) c[j] = 0.0;
+    for (int k = 1; k <= p; ++k) {
+      const double aik = A(i, k);
+      const double* __restrict b = B.at(k, 1);
+      for (int j = 0; j < m; ++j) c[j] += aik * b[j];
     }
+  }
+}
+
+// C = A' B, each element summed from 0 over k = 1..p as mmul sums it, without forming A'.
+void mtmul(int n, int p, int m, const Mat& A, const Mat& B, Mat& C) {
+  if (m < 1) return;
+  for (int i = 1; i <= n; ++i) {
+    double* __restrict c = C.at(i, 1);
+    for (int j = 0; j < m; ++j) c[j] = 0.0;
+    for (int k = 1; k <= p; ++k) {
+      const double aki = A(k, i);
+      const double* __restrict b = B.at(k, 1);
+      for (int j = 0; j < m; ++j) c[j] += aki * b[j];
+    }
+  }
 }
 
 // C = A (B D)
 void mmul3(int n, int p, int q, int m, const Mat& A, const Mat& B, const Mat& D, Mat& C) {
   Mat BD = mat2(1, p, 1, m);
+  mmul3(n, p, q, m, A, B, D, C, BD);
+}
+
+void mmul3(int n, int p, int q, int m, const Mat& A, const Mat& B, const Mat& D, Mat& C, Mat& BD) {
   mmul(p, q, m, B, D, BD);
   mmul(n, p, m, A, BD, C);
 }
@@ -104,12 +129,13 @@ void mtransmul(int n, int p, int m, const Mat& A, const Mat& B, const Mat& D, co
 void mtransmul(int n, int p, int m, const Mat& A, const Mat& B, const Mat& D, const Mat& E, Mat& C,
                Mat& BD) {
   mmul(n, n, m, B, D, BD);
+  mtransmuladd(n, p, m, A, BD, E, C);
+}
+
+void mtransmuladd(int n, int p, int m, const Mat& A, const Mat& BD, const Mat& E, Mat& C) {
+  mtmul(p, n, m, A, BD, C);
   for (int i = 1; i <= p; ++i)
-    for (int j = 1; j <= m; ++j) {
-      double sum = 0.0;
-      for (int k = 1; k <= n; ++k) sum += A(k, i) * BD(k, j);
-      C(i, j) = sum + E(i, j);
-    }
+    for (int j = 1; j <= m; ++j) C(i, j) = C(i, j) + E(i, j);
 }
 
 namespace {
@@ -127,10 +153,13 @@ void quadFormDiag(int n, int m, int k, const Mat& A, const Mat& K, const Mat& V,
     trace->matrix("a in mmul31tv", 1, m, 1, n, A);
   }
   mmul(m, m, n, K, A, KA);
-  if (trace != nullptr) trace->matrix("kuca in mmul31tv", 1, m, 1, n, KA);
-  mtrans(m, n, A, At);
-  if (trace != nullptr) trace->matrix("at in mmul31tv", 1, n, 1, m, At);
-  mmul(n, m, n, At, KA, AtKA);
+  if (trace != nullptr) {
+    trace->matrix("kuca in mmul31tv", 1, m, 1, n, KA);
+    mtrans(m, n, A, At);
+    trace->matrix("at in mmul31tv", 1, n, 1, m, At);
+  }
+  // A' (K A) straight from A: the same terms in the same order as the product with A' formed.
+  mtmul(n, m, n, A, KA, AtKA);
   if (trace != nullptr) trace->matrix("atkuca in mmul31tv", 1, n, 1, n, AtKA);
   maddiagcol(n, n, k, AtKA, V, C);
 }
