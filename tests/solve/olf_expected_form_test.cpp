@@ -1,5 +1,4 @@
-// The expected quadratic form as a plain product plus the uncertain pairs' covariance terms, and
-// the re-solves' workspaces, which must carry nothing from one call to the next.
+// The expected quadratic form as a plain product plus the uncertain pairs' covariance terms.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -7,7 +6,6 @@
 
 #include "numeric/matrix_ops.h"
 #include "solve/olf.h"
-#include "solve/qlp.h"
 
 namespace ovaro {
 namespace {
@@ -64,39 +62,6 @@ TEST(OlfExpectedForm, AgreesWithTheSumOverAllPairs) {
       for (int j = 1; j <= sh.cy; ++j)
         EXPECT_NEAR(got(i, j), want(i, j), 1e-13 * scale(i, j))
             << sh.rows << " rows, " << i << "," << j;
-  }
-}
-
-TEST(OlfWorkspace, AReusedWorkspaceGivesTheBitsOfAFreshOne) {
-  // Two states, one control, B(2,1) uncertain, five periods; CE and OLF re-solves from every
-  // period, each on one workspace kept across the calls and on a fresh one.
-  const int n = 2, m = 1, nt = 5;
-  Mat a = mat2(1, n, 1, n), b = mat2(1, n, 1, m), cs = mat2(1, n, 0, nt - 1);
-  a(1, 1) = 0.9, a(1, 2) = 0.2, a(2, 1) = -0.1, a(2, 2) = 0.8, b(1, 1) = 0.3, b(2, 1) = 1.1;
-  CriterionArrays crit;
-  crit.f = mat2(1, n, 1, m), crit.ws = mat2(1, n, 0, nt), crit.wlcs = mat2(1, n, 0, nt);
-  crit.lams = mat2(1, m, 0, nt - 1), crit.lamlcs = mat2(1, m, 0, nt - 1);
-  for (int t = 0; t <= nt; ++t)
-    for (int i = 1; i <= n; ++i) {
-      crit.ws(i, t) = 1.0 + 0.5 * i, crit.wlcs(i, t) = -0.3 * t + i;
-      if (t < nt) cs(i, t) = 0.1 * (t - i), crit.lams(1, t) = 0.4, crit.lamlcs(1, t) = 0.05 * t;
-    }
-  UncertainParameters par{1, imat2(1, n, 1, n), imat2(1, n, 1, m), imat2(1, n, 1, 1),
-                          mat2(1, 1, 1, 1)};
-  par.nbpar(2, 1) = 1, par.sitt(1, 1) = 0.04;
-  OlfWork kept(n, m);
-  for (int k = nt - 1; k >= 0; --k) {
-    Mat g1 = mat2(1, m, 1, n), c1 = mat2(1, m, 1, 1), g2 = g1, c2 = c1;
-    OlfWork fresh(n, m);
-    CompKpg(n, m, nt, k, a, b, cs, crit, par, kept, g1, c1, SolveTrace());
-    CompKpg(n, m, nt, k, a, b, cs, crit, par, fresh, g2, c2, SolveTrace());
-    for (int j = 1; j <= n; ++j) EXPECT_EQ(g1(1, j), g2(1, j)) << "OLF period " << k;
-    EXPECT_EQ(c1(1, 1), c2(1, 1)) << "OLF period " << k;
-    RiccatiWork freshCe(n, m);
-    CompKpgCe(n, m, nt, k, a, b, cs, crit, kept, g1, c1, SolveTrace());
-    CompKpgCe(n, m, nt, k, a, b, cs, crit, freshCe, g2, c2, SolveTrace());
-    for (int j = 1; j <= n; ++j) EXPECT_EQ(g1(1, j), g2(1, j)) << "CE period " << k;
-    EXPECT_EQ(c1(1, 1), c2(1, 1)) << "CE period " << k;
   }
 }
 
