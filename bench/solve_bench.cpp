@@ -1,8 +1,10 @@
-// The deterministic solves at the sizes users keep: n states with n/2 controls over 10 and 100
-// periods, by QLP and by OLF (with uncertain parameters in B), and a forward-variable model whose
-// solve iterates to convergence.
+// The deterministic solves at the sizes users keep: (n states, m controls, T periods) = (4, 2, 10)
+// and (30, 10, 100), by QLP and by OLF (with the m diagonal elements of B uncertain), each from the
+// Model's cell texts to the criterion, and a forward-variable model whose solve iterates to
+// convergence.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <string>
 
 #include "model/model.h"
@@ -19,10 +21,9 @@ void set(ovaro::Model& model, MatrixId id, int r, int c, double v) {
 }
 
 // A stable, coupled system with one exogenous variable and tracking targets away from x0.
-ovaro::Model benchModel(int n, int periods, int stochTerms, int forwardLead) {
+ovaro::Model benchModel(int n, int m, int periods, int stochTerms, int forwardLead) {
   ovaro::Model model;
   ovaro::Dimensions& d = model.dims;
-  const int m = n / 2 > 0 ? n / 2 : 1;
   const int np = stochTerms == opt::kParameterUncertainty ? m : 0;
   d.n.set(n);
   d.m.set(m);
@@ -75,21 +76,28 @@ ovaro::Model benchModel(int n, int periods, int stochTerms, int forwardLead) {
   return model;
 }
 
+int arg(const benchmark::State& state, int i) {
+  return static_cast<int>(state.range(i));
+}
+
 void BM_SolveQlp(benchmark::State& state) {
-  const ovaro::Model model = benchModel(static_cast<int>(state.range(0)),
-                                        static_cast<int>(state.range(1)), opt::kDeterministic, 0);
+  const ovaro::Model model =
+      benchModel(arg(state, 0), arg(state, 1), arg(state, 2), opt::kDeterministic, 0);
   ovaro::RecordingPrompter prompter;
   for (auto _ : state) {
     auto solution = ovaro::solveQlp(model, prompter, ovaro::SolveTrace());
     benchmark::DoNotOptimize(solution);
   }
 }
-BENCHMARK(BM_SolveQlp)->ArgsProduct({{2, 10, 30}, {10, 100}})->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_SolveQlp)
+    ->ArgNames({"n", "m", "T"})
+    ->Args({4, 2, 10})
+    ->Args({30, 10, 100})
+    ->Unit(benchmark::kMicrosecond);
 
 void BM_SolveOlf(benchmark::State& state) {
   const ovaro::Model model =
-      benchModel(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)),
-                 opt::kParameterUncertainty, 0);
+      benchModel(arg(state, 0), arg(state, 1), arg(state, 2), opt::kParameterUncertainty, 0);
   ovaro::RecordingPrompter prompter;
   for (auto _ : state) {
     auto solution =
@@ -97,12 +105,16 @@ void BM_SolveOlf(benchmark::State& state) {
     benchmark::DoNotOptimize(solution);
   }
 }
-BENCHMARK(BM_SolveOlf)->ArgsProduct({{2, 10, 30}, {10, 100}})->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_SolveOlf)
+    ->ArgNames({"n", "m", "T"})
+    ->Args({4, 2, 10})
+    ->Args({30, 10, 100})
+    ->Unit(benchmark::kMicrosecond);
 
 // A forward-variable model with lead 1: the solve repeats until the controls settle.
 void BM_SolveQlpForward(benchmark::State& state) {
   const ovaro::Model model =
-      benchModel(static_cast<int>(state.range(0)), 20, opt::kDeterministic, 1);
+      benchModel(arg(state, 0), std::max(1, arg(state, 0) / 2), 20, opt::kDeterministic, 1);
   ovaro::RecordingPrompter prompter;
   for (auto _ : state) {
     auto solution = ovaro::solveQlp(model, prompter, ovaro::SolveTrace());

@@ -81,6 +81,19 @@ class BasicMatrix {
     return data_[offset(i, j)];
   }
 
+  // The address of element (i, j); the row continues contiguously from there to column chi, so
+  // that inner loops can run over a row without an index computation per element.
+  T* at(int i, int j) {
+    OVARO_CHECK_INDEX("matrix row", i, rlo_, rhi_);
+    OVARO_CHECK_INDEX("matrix column", j, clo_, chi_);
+    return data_.data() + offset(i, j);
+  }
+  const T* at(int i, int j) const {
+    OVARO_CHECK_INDEX("matrix row", i, rlo_, rhi_);
+    OVARO_CHECK_INDEX("matrix column", j, clo_, chi_);
+    return data_.data() + offset(i, j);
+  }
+
   int rlo() const { return rlo_; }
   int rhi() const { return rhi_; }
   int clo() const { return clo_; }

@@ -52,13 +52,19 @@ void msubsub(int rlo, int rhi, int clo, int chi, const Mat& A, const Mat& B, Mat
 void maddiagcol(int n, int m, int k, const Mat& A, const Mat& V, Mat& C);
 // C (n x m) = A (n x p) B (p x m); each element accumulated from 0 over k = 1..p.
 void mmul(int n, int p, int m, const Mat& A, const Mat& B, Mat& C);
+// C (n x m) = A' B for A p x n and B p x m: the terms and their order of mmul with A' formed.
+void mtmul(int n, int p, int m, const Mat& A, const Mat& B, Mat& C);
 // C (n x m) = A (n x p) (B (p x q) D (q x m)), through a scratch p x m product.
 void mmul3(int n, int p, int q, int m, const Mat& A, const Mat& B, const Mat& D, Mat& C);
+// The same with the scratch product (at least p x m) given.
+void mmul3(int n, int p, int q, int m, const Mat& A, const Mat& B, const Mat& D, Mat& C, Mat& BD);
 // C (p x m) = A' (B D) + E, for A n x p, B n x n, D n x m, E p x m.
 void mtransmul(int n, int p, int m, const Mat& A, const Mat& B, const Mat& D, const Mat& E, Mat& C);
 // The same with the scratch product B D (at least n x m) given, so that nothing is allocated.
 void mtransmul(int n, int p, int m, const Mat& A, const Mat& B, const Mat& D, const Mat& E, Mat& C,
                Mat& BD);
+// Its second half: C (p x m) = A' BD + E with the product BD (n x m) already formed.
+void mtransmuladd(int n, int p, int m, const Mat& A, const Mat& BD, const Mat& E, Mat& C);
 // Scratch of the quadratic form A' K A for A up to m x n: K A, A' and A' K A. Made once by a
 // caller that forms the product in a loop, so that the loop allocates nothing.
 struct QuadFormWork {

@@ -4,107 +4,112 @@
 
 namespace ovaro {
 
-void expectedQuadForm(int rows, int colsX, int colsY, const Mat& x, const Mat& y, const IMat& occX,
+OlfWork::OlfWork(int n, int m)
+    : RiccatiWork(n, m),
+      ka(mat2(1, n, 1, n)),
+      kb(mat2(1, n, 1, m)),
+      kc(mat2(1, n, 1, 1)),
+      c(mat2(1, n, 1, 1)),
+      eaka(mat2(1, n, 1, n)),
+      ebkb(mat2(1, m, 1, m)),
+      eakb(mat2(1, n, 1, m)),
+      atkc(mat2(1, n, 1, 1)),
+      atp(mat2(1, n, 1, 1)),
+      atkcp(mat2(1, n, 1, 1)),
+      btkc(mat2(1, m, 1, 1)),
+      btp(mat2(1, m, 1, 1)),
+      btkcp(mat2(1, m, 1, 1)) {}
+
+// E[X'KY] = X'(KY) + the covariance terms. X'KY is a plain product; the expectation differs from
+// it only where an element of X and an element of Y are both uncertain parameters, by
+// SITT(kx, ky) K(r, s) for each such pair. Each element is summed as X'(KY) over the rows r of X
+// in increasing order, then the covariance terms added in increasing r and, within r, s.
+void expectedQuadForm(int rows, int colsX, int colsY, const Mat& x, const Mat& ky, const IMat& occX,
                       const IMat& occY, const Mat& sitt, const Mat& k, Mat& out) {
+  mtmul(colsX, rows, colsY, x, ky, out);
   for (int i = 1; i <= colsX; ++i) {
-    for (int j = 1; j <= colsY; ++j) {
-      double sum = 0.0;
-      for (int r = 1; r <= rows; ++r) {
-        const int kx = occX(r, i);
+    for (int r = 1; r <= rows; ++r) {
+      const int kx = occX(r, i);
+      if (kx <= 0) continue;
+      for (int j = 1; j <= colsY; ++j)
         for (int s = 1; s <= rows; ++s) {
-          const int ky = occY(s, j);
-          if (kx * ky > 0) {
-            sum += (x(r, i) * y(s, j) + sitt(kx, ky)) * k(r, s);
-          } else {
-            sum += k(r, s) * x(r, i) * y(s, j);
-          }
+          const int kyIndex = occY(s, j);
+          if (kyIndex > 0) out(i, j) += sitt(kx, kyIndex) * k(r, s);
         }
-      }
-      out(i, j) = sum;
     }
   }
 }
 
-int comphiolf(int n, int m, int nt, int np, int t, const Mat& a, const Mat& b, const Mat& f,
-              const Mat& k, const Mat& lams, const IMat& napar, const IMat& nbpar, const Mat& sitt,
-              const Mat& ws, Mat& phi, Mat& psi, Mat& theta, const SolveTrace& trace) {
+int comphiolf(int n, int m, int nt, int t, const Mat& a, const Mat& b, const CriterionArrays& crit,
+              const UncertainParameters& par, OlfWork& w, const SolveTrace& trace) {
   const bool traced = trace.on(SolveTopic::PhiThetaPsi);
   if (traced) {
     DebugFile& d = trace.file();
-    d.dumpMatrix("kj1 in comphiolf", 1, n, 1, n, k);
-    d.dumpMatrix("ws in comphiolf", 1, n, 0, nt, ws);
+    d.dumpMatrix("kj1 in comphiolf", 1, n, 1, n, w.k);
+    d.dumpMatrix("ws in comphiolf", 1, n, 0, nt, crit.ws);
     d.dumpMatrix("a in comphiolf", 1, n, 1, n, a);
-    d.dumpMatrix("sitt in comphiolf", 1, np, 1, np, sitt);
+    d.dumpMatrix("sitt in comphiolf", 1, par.np, 1, par.np, par.sitt);
     d.dumpMatrix("b in comphiolf", 1, n, 1, m, b);
   }
-  Mat eaka = mat2(1, n, 1, n), ebkb = mat2(1, m, 1, m), eakb = mat2(1, n, 1, m);
-  expectedQuadForm(n, n, n, a, a, napar, napar, sitt, k, eaka);
-  maddiagcol(n, n, t, eaka, ws, phi);
-  expectedQuadForm(n, m, m, b, b, nbpar, nbpar, sitt, k, ebkb);
-  maddiagcol(m, m, t, ebkb, lams, theta);
-  expectedQuadForm(n, n, m, a, b, napar, nbpar, sitt, k, eakb);
-  madd(n, m, eakb, f, psi);
+  // K A and K B once per step: K B serves both E[B'KB] and E[A'KB].
+  mmul(n, n, n, w.k, a, w.ka);
+  mmul(n, n, m, w.k, b, w.kb);
+  expectedQuadForm(n, n, n, a, w.ka, par.napar, par.napar, par.sitt, w.k, w.eaka);
+  maddiagcol(n, n, t, w.eaka, crit.ws, w.phi);
+  expectedQuadForm(n, m, m, b, w.kb, par.nbpar, par.nbpar, par.sitt, w.k, w.ebkb);
+  maddiagcol(m, m, t, w.ebkb, crit.lams, w.theta);
+  expectedQuadForm(n, n, m, a, w.kb, par.napar, par.nbpar, par.sitt, w.k, w.eakb);
+  madd(n, m, w.eakb, crit.f, w.psi);
   if (traced) {
     DebugFile& d = trace.file();
-    d.dumpMatrix("eaka in comphiolf", 1, n, 1, n, eaka);
-    d.dumpMatrix("phi in comphiolf", 1, n, 1, n, phi);
-    d.dumpMatrix("ebkb in comphiolf", 1, m, 1, m, ebkb);
-    d.dumpMatrix("theta in comphiolf", 1, m, 1, m, theta);
-    d.dumpMatrix("eakb in comphiolf", 1, n, 1, m, eakb);
-    d.dumpMatrix("psi in comphiolf", 1, n, 1, m, psi);
+    d.dumpMatrix("eaka in comphiolf", 1, n, 1, n, w.eaka);
+    d.dumpMatrix("phi in comphiolf", 1, n, 1, n, w.phi);
+    d.dumpMatrix("ebkb in comphiolf", 1, m, 1, m, w.ebkb);
+    d.dumpMatrix("theta in comphiolf", 1, m, 1, m, w.theta);
+    d.dumpMatrix("eakb in comphiolf", 1, n, 1, m, w.eakb);
+    d.dumpMatrix("psi in comphiolf", 1, n, 1, m, w.psi);
   }
   return trace.ok();
 }
 
-int comphilcolf(int n, int m, int nt, int np, int t, const Mat& a, const Mat& b, const Mat& cs,
-                const Mat& k, const Mat& lamlcs, const IMat& napar, const IMat& nbpar,
-                const IMat& ncpar, const Mat& sitt, const Mat& p, const Mat& wlcs, Mat& philc,
-                Mat& thetalc, const SolveTrace& trace) {
-  (void)nt;
-  (void)np;
-  Mat c = mat2(1, n, 1, 1);
-  vcolget(n, t, cs, c);
-  Mat atkc = mat2(1, n, 1, 1), atp = mat2(1, n, 1, 1), atkcp = mat2(1, n, 1, 1);
-  Mat btkc = mat2(1, m, 1, 1), btp = mat2(1, m, 1, 1), btkcp = mat2(1, m, 1, 1);
-  Mat at = mat2(1, n, 1, n), bt = mat2(1, m, 1, n);
-  expectedQuadForm(n, n, 1, a, c, napar, ncpar, sitt, k, atkc);
-  mtrans(n, n, a, at);
-  mmul(n, n, 1, at, p, atp);
-  madd(n, 1, atkc, atp, atkcp);
-  for (int i = 1; i <= n; ++i) philc(i, 1) = atkcp(i, 1) + wlcs(i, t);
-  expectedQuadForm(n, m, 1, b, c, nbpar, ncpar, sitt, k, btkc);
-  mtrans(n, m, b, bt);
-  mmul(m, n, 1, bt, p, btp);
-  madd(m, 1, btkc, btp, btkcp);
-  for (int j = 1; j <= m; ++j) thetalc(j, 1) = btkcp(j, 1) + lamlcs(j, t);
+int comphilcolf(int n, int m, int t, const Mat& a, const Mat& b, const Mat& cs,
+                const CriterionArrays& crit, const UncertainParameters& par, OlfWork& w,
+                const SolveTrace& trace) {
+  vcolget(n, t, cs, w.c);
+  mmul(n, n, 1, w.k, w.c, w.kc);
+  expectedQuadForm(n, n, 1, a, w.kc, par.napar, par.ncpar, par.sitt, w.k, w.atkc);
+  mtmul(n, n, 1, a, w.p, w.atp);
+  madd(n, 1, w.atkc, w.atp, w.atkcp);
+  for (int i = 1; i <= n; ++i) w.philc(i, 1) = w.atkcp(i, 1) + crit.wlcs(i, t);
+  expectedQuadForm(n, m, 1, b, w.kc, par.nbpar, par.ncpar, par.sitt, w.k, w.btkc);
+  mtmul(m, n, 1, b, w.p, w.btp);
+  madd(m, 1, w.btkc, w.btp, w.btkcp);
+  for (int j = 1; j <= m; ++j) w.thetalc(j, 1) = w.btkcp(j, 1) + crit.lamlcs(j, t);
   if (!trace.on(SolveTopic::PhiThetaPsi)) return 1;
   DebugFile& d = trace.file();
-  d.dumpMatrix("atkc in comphilcolf", 1, n, 1, 1, atkc);
-  d.dumpMatrix("atp in comphilcolf", 1, n, 1, 1, atp);
-  d.dumpMatrix("atkcp in comphilcolf", 1, n, 1, 1, atkcp);
-  d.dumpMatrix("wlc in comphilcolf", 1, n, t, t, wlcs);
-  d.dumpMatrix("philc in comphilcolf", 1, n, 1, 1, philc);
-  d.dumpMatrix("btkc in comphilcolf", 1, m, 1, 1, btkc);
-  d.dumpMatrix("btp in comphilcolf", 1, m, 1, 1, btp);
-  d.dumpMatrix("btkcp in comphilcolf", 1, m, 1, 1, btkcp);
-  d.dumpMatrix("lamlc in comphilcolf", 1, m, t, t, lamlcs);
-  d.dumpMatrix("thetalc in comphilcolf", 1, m, 1, 1, thetalc);
+  d.dumpMatrix("atkc in comphilcolf", 1, n, 1, 1, w.atkc);
+  d.dumpMatrix("atp in comphilcolf", 1, n, 1, 1, w.atp);
+  d.dumpMatrix("atkcp in comphilcolf", 1, n, 1, 1, w.atkcp);
+  d.dumpMatrix("wlc in comphilcolf", 1, n, t, t, crit.wlcs);
+  d.dumpMatrix("philc in comphilcolf", 1, n, 1, 1, w.philc);
+  d.dumpMatrix("btkc in comphilcolf", 1, m, 1, 1, w.btkc);
+  d.dumpMatrix("btp in comphilcolf", 1, m, 1, 1, w.btp);
+  d.dumpMatrix("btkcp in comphilcolf", 1, m, 1, 1, w.btkcp);
+  d.dumpMatrix("lamlc in comphilcolf", 1, m, t, t, crit.lamlcs);
+  d.dumpMatrix("thetalc in comphilcolf", 1, m, 1, 1, w.thetalc);
   return trace.ok();
 }
 
 namespace {
 
-using OlfWork = RiccatiWork;  // the same running values as the QLP recursion
-
 // One step of the expected recursion at period t: K, p of period t+1 in, of period t out.
-int olfStep(int n, int m, int nt, int t, const Mat& a, const Mat& b, const Mat& cs, const Mat& f,
-            const Mat& lamlcs, const Mat& lams, const Mat& wlcs, const Mat& ws,
-            const UncertainParameters& par, OlfWork& w, const SolveTrace& trace) {
-  comphiolf(n, m, nt, par.np, t, a, b, f, w.k, lams, par.napar, par.nbpar, par.sitt, ws, w.phi,
-            w.psi, w.theta, trace);
-  comphilcolf(n, m, nt, par.np, t, a, b, cs, w.k, lamlcs, par.napar, par.nbpar, par.ncpar, par.sitt,
-              w.p, wlcs, w.philc, w.thetalc, trace);
-  riccatiUpdate(n, m, w.phi, w.psi, w.theta, w.philc, w.thetalc, w.thetainv, w.k, w.p, w.g, w.glc);
+int olfStep(int n, int m, int nt, int t, const Mat& a, const Mat& b, const Mat& cs,
+            const CriterionArrays& crit, const UncertainParameters& par, OlfWork& w,
+            const SolveTrace& trace) {
+  comphiolf(n, m, nt, t, a, b, crit, par, w, trace);
+  comphilcolf(n, m, t, a, b, cs, crit, par, w, trace);
+  riccatiUpdate(n, m, w.phi, w.psi, w.theta, w.philc, w.thetalc, w.thetainv, w.k, w.p, w.g, w.glc,
+                &w.scratch);
   return trace.ok();
 }
 
@@ -128,8 +133,7 @@ int olf(const SystemArrays& sys, const CriterionArrays& crit, UncertainParameter
       saved = par.sitt(caution.row, caution.column);
       par.sitt(caution.row, caution.column) = caution.value;
     }
-    olfStep(n, m, nt, t, sys.a, sys.b, sys.cs, crit.f, crit.lamlcs, crit.lams, crit.wlcs, crit.ws,
-            par, w, trace);
+    olfStep(n, m, nt, t, sys.a, sys.b, sys.cs, crit, par, w, trace);
     if (perturb) par.sitt(caution.row, caution.column) = saved;
     storeRule(n, m, t, w.g, w.glc, rule);
     if (trace.on(SolveTopic::KAndPIntermediate))
@@ -154,10 +158,9 @@ int olf(const SystemArrays& sys, const CriterionArrays& crit, UncertainParameter
 namespace {
 
 int compKpgBody(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat& cs,
-                const Mat& f, const Mat& lamlcs, const Mat& lams, const Mat& wlcs, const Mat& ws,
-                const UncertainParameters& par, OlfWork& w, FeedbackRule* rule,
-                const SolveTrace& trace) {
-  w.terminal(n, nt, ws, wlcs);
+                const CriterionArrays& crit, const UncertainParameters& par, OlfWork& w,
+                FeedbackRule* rule, const SolveTrace& trace) {
+  w.terminal(n, nt, crit.ws, crit.wlcs);
   if (trace.on(SolveTopic::KAndP)) {
     trace.file().dumpMatrix("kj1 at top of CompKpg", 1, n, 1, n, w.k);
     trace.file().dumpMatrix("pj1 at top of CompKpg", 1, n, 1, 1, w.p);
@@ -168,7 +171,7 @@ int compKpgBody(int n, int m, int nt, int k, const Mat& a, const Mat& b, const M
       trace.file().writeHeading(" in CompKpg - backward loop");
       trace.file().dumpInt("k = ", t);
     }
-    olfStep(n, m, nt, t, a, b, cs, f, lamlcs, lams, wlcs, ws, par, w, trace);
+    olfStep(n, m, nt, t, a, b, cs, crit, par, w, trace);
     if (rule != nullptr) storeRule(n, m, t, w.g, w.glc, *rule);
     if (inner) {
       trace.file().dumpMatrix("theta in CompKpg", 1, m, 1, m, w.theta);
@@ -182,20 +185,18 @@ int compKpgBody(int n, int m, int nt, int k, const Mat& a, const Mat& b, const M
 
 }  // namespace
 
-int CompKpg(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat& cs, const Mat& f,
-            const Mat& lamlcs, const Mat& lams, const Mat& wlcs, const Mat& ws,
-            const UncertainParameters& par, Mat& g, Mat& glc, const SolveTrace& trace) {
-  OlfWork w(n, m);
-  compKpgBody(n, m, nt, k, a, b, cs, f, lamlcs, lams, wlcs, ws, par, w, nullptr, trace);
+int CompKpg(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat& cs,
+            const CriterionArrays& crit, const UncertainParameters& par, OlfWork& w, Mat& g,
+            Mat& glc, const SolveTrace& trace) {
+  compKpgBody(n, m, nt, k, a, b, cs, crit, par, w, nullptr, trace);
   takeRule(n, m, w, g, glc, trace);
   return trace.ok();
 }
 
 int CompKpgOlfForw(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat& cs,
-                   const Mat& f, const Mat& lamlcs, const Mat& lams, const Mat& wlcs, const Mat& ws,
-                   const UncertainParameters& par, FeedbackRule& rule, const SolveTrace& trace) {
-  OlfWork w(n, m);
-  compKpgBody(n, m, nt, k, a, b, cs, f, lamlcs, lams, wlcs, ws, par, w, &rule, trace);
+                   const CriterionArrays& crit, const UncertainParameters& par, OlfWork& w,
+                   FeedbackRule& rule, const SolveTrace& trace) {
+  compKpgBody(n, m, nt, k, a, b, cs, crit, par, w, &rule, trace);
   if (trace.on(SolveTopic::GAndG)) {
     trace.file().dumpMatrix3("gs in CompKpgOlfForw", k, nt - 1, 1, m, 1, n, rule.gs);
     trace.file().dumpMatrix("glcs in CompKpgOlfForw", 1, m, k, nt - 1, rule.glcs);

@@ -22,29 +22,38 @@ struct CautionExperiment {
   int period = 1;
 };
 
-// out(i, j) = E[X'KY](i, j): the sum over rows r of X (outer) and s of Y (inner) of
-// (X(r, i) Y(s, j) + SITT(kx, ky)) K(r, s) when both elements are uncertain parameters (kx, ky
-// their numbers in the occupancy tables), else K(r, s) X(r, i) Y(s, j). X is rows x colsX, Y
-// rows x colsY, K rows x rows.
-void expectedQuadForm(int rows, int colsX, int colsY, const Mat& x, const Mat& y, const IMat& occX,
-                      const IMat& occY, const Mat& sitt, const Mat& k, Mat& out);
-
-// phi = E[A'KA] + diag(ws(:, t)), theta = E[B'KB] + diag(lams(:, t)), psi = E[A'KB] + F.
-int comphiolf(int n, int m, int nt, int np, int t, const Mat& a, const Mat& b, const Mat& f,
-              const Mat& k, const Mat& lams, const IMat& napar, const IMat& nbpar, const Mat& sitt,
-              const Mat& ws, Mat& phi, Mat& psi, Mat& theta, const SolveTrace& trace);
-// philc = (E[A'Kc] + A'p) + wlcs(:, t), thetalc = (E[B'Kc] + B'p) + lamlcs(:, t), c = cs(:, t).
-int comphilcolf(int n, int m, int nt, int np, int t, const Mat& a, const Mat& b, const Mat& cs,
-                const Mat& k, const Mat& lamlcs, const IMat& napar, const IMat& nbpar,
-                const IMat& ncpar, const Mat& sitt, const Mat& p, const Mat& wlcs, Mat& philc,
-                Mat& thetalc, const SolveTrace& trace);
-
 // Occupancy tables and covariance of one OLF solve.
 struct UncertainParameters {
   int np = 0;
   IMat napar, nbpar, ncpar;
   Mat sitt;  // np x np
 };
+
+// The running values of the expected recursion (those of the QLP recursion: K, p, the step's
+// forms, its rule) and the scratch of its expected products, made once per solve or per Monte
+// Carlo run so that the steps allocate nothing.
+struct OlfWork : RiccatiWork {
+  OlfWork(int n, int m);
+  Mat ka, kb, kc, c;  // K A, K B, K c and c = cs(:, t)
+  Mat eaka, ebkb, eakb, atkc, atp, atkcp, btkc, btp, btkcp;
+};
+
+// out(i, j) = E[X'KY](i, j) = (X'(KY))(i, j) plus SITT(kx, ky) K(r, s) for every row r of X and s
+// of Y whose elements (r, i) and (s, j) are both uncertain parameters (kx, ky their numbers in
+// the occupancy tables). `ky` is the product K Y, formed by the caller once for all the forms
+// that share it. X is rows x colsX, Y rows x colsY, K rows x rows.
+void expectedQuadForm(int rows, int colsX, int colsY, const Mat& x, const Mat& ky, const IMat& occX,
+                      const IMat& occY, const Mat& sitt, const Mat& k, Mat& out);
+
+// With K = w.k of period t+1: w.phi = E[A'KA] + diag(ws(:, t)), w.theta = E[B'KB] +
+// diag(lams(:, t)), w.psi = E[A'KB] + F.
+int comphiolf(int n, int m, int nt, int t, const Mat& a, const Mat& b, const CriterionArrays& crit,
+              const UncertainParameters& par, OlfWork& w, const SolveTrace& trace);
+// With K = w.k and p = w.p of period t+1 and c = cs(:, t): w.philc = (E[A'Kc] + A'p) +
+// wlcs(:, t), w.thetalc = (E[B'Kc] + B'p) + lamlcs(:, t).
+int comphilcolf(int n, int m, int t, const Mat& a, const Mat& b, const Mat& cs,
+                const CriterionArrays& crit, const UncertainParameters& par, OlfWork& w,
+                const SolveTrace& trace);
 
 // The OLF solve proper: backward recursion with the expected quadratic forms (and the caution
 // experiment), then the forward pass on the nominal system from x0 and the criterion. `sitt` may
@@ -54,14 +63,15 @@ int olf(const SystemArrays& sys, const CriterionArrays& crit, UncertainParameter
         Prompter& prompter, const SolveTrace& trace);
 
 // The per-period re-solve of the Monte Carlo OLF methods: the recursion from the terminal values
-// down to period k with the system and covariance passed, returning the rule of period k.
-int CompKpg(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat& cs, const Mat& f,
-            const Mat& lamlcs, const Mat& lams, const Mat& wlcs, const Mat& ws,
-            const UncertainParameters& par, Mat& g, Mat& glc, const SolveTrace& trace);
+// down to period k with the system and covariance passed, returning the rule of period k. `w` is
+// the caller's scratch for n states and m controls, made once per run.
+int CompKpg(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat& cs,
+            const CriterionArrays& crit, const UncertainParameters& par, OlfWork& w, Mat& g,
+            Mat& glc, const SolveTrace& trace);
 // The same for forward-variable models, keeping the rule of every period k..nt-1.
 int CompKpgOlfForw(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat& cs,
-                   const Mat& f, const Mat& lamlcs, const Mat& lams, const Mat& wlcs, const Mat& ws,
-                   const UncertainParameters& par, FeedbackRule& rule, const SolveTrace& trace);
+                   const CriterionArrays& crit, const UncertainParameters& par, OlfWork& w,
+                   FeedbackRule& rule, const SolveTrace& trace);
 
 // The stochastic matrices that only measurement-error models enter, at their neutral values for
 // the OLF runs: D and the diagonal of H are ones, everything else zero.

@@ -1,5 +1,6 @@
 #include "solve/qlp.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -291,7 +292,8 @@ RiccatiWork::RiccatiWork(int n, int m)
 RiccatiScratch::RiccatiScratch(int n, int m)
     : q(mat2(1, n, 1, 1)),
       psithinv(mat2(1, n, 1, m)),
-      kb(mat2(1, n, 1, m)),
+      psit(mat2(1, m, 1, n)),
+      psipsi(mat2(1, n, 1, n)),
       quadA(n, n),
       quadB(m, n),
       inverse(m) {}
@@ -345,15 +347,13 @@ int comphi(int n, int m, int nt, int t, const Mat& a, const Mat& b, const Mat& f
     d.dumpMatrix("kj1 in comphi", 1, n, 1, n, k);
     d.dumpMatrix("ws in comphi", 1, n, 0, nt, ws);
   }
-  if (scratch != nullptr) {
-    mmul31tv(n, n, t, a, k, ws, phi, trace.matrixTrace(SolveTopic::PhiThetaPsi), scratch->quadA);
-    mqformdiag(m, n, t, b, k, lams, theta, scratch->quadB);
-    mtransmul(n, n, m, a, k, b, f, psi, scratch->kb);
-  } else {
-    mmul31tv(n, n, t, a, k, ws, phi, trace.matrixTrace(SolveTopic::PhiThetaPsi));
-    mqformdiag(m, n, t, b, k, lams, theta);
-    mtransmul(n, n, m, a, k, b, f, psi);
-  }
+  std::optional<RiccatiScratch> own;
+  RiccatiScratch& work = scratch != nullptr ? *scratch : own.emplace(n, m);
+  mmul31tv(n, n, t, a, k, ws, phi, trace.matrixTrace(SolveTopic::PhiThetaPsi), work.quadA);
+  mqformdiag(m, n, t, b, k, lams, theta, work.quadB);
+  // theta's quadratic form leaves K B behind; psi = A' (K B) + F takes it from there, so that
+  // the product is formed once per step.
+  mtransmuladd(n, n, m, a, work.quadB.ka, f, psi);
   if (traced) {
     DebugFile& d = trace.file();
     d.dumpMatrix("phi in comphi", 1, n, 1, n, phi);
@@ -391,29 +391,26 @@ void comphilc(int n, int m, int t, const Mat& a, const Mat& b, const Mat& cs, co
 void riccatiUpdate(int n, int m, const Mat& phi, const Mat& psi, const Mat& theta, const Mat& philc,
                    const Mat& thetalc, Mat& thetainv, Mat& k, Mat& p, Mat& g, Mat& glc,
                    RiccatiScratch* scratch) {
-  if (scratch != nullptr)
-    minv(m, theta, thetainv, scratch->inverse);
-  else
-    minv(m, theta, thetainv);
-  Mat own = scratch != nullptr ? Mat() : mat2(1, n, 1, m);
-  Mat& psithinv = scratch != nullptr ? scratch->psithinv : own;
+  std::optional<RiccatiScratch> own;
+  RiccatiScratch& work = scratch != nullptr ? *scratch : own.emplace(n, m);
+  minv(m, theta, thetainv, work.inverse);
+  Mat& psithinv = work.psithinv;
   mmul(n, m, m, psi, thetainv, psithinv);
+  // The products with psi' run over psi' formed once: each element is still the sum over
+  // r = 1..m of its row of psithinv (or thetainv) times row j of psi, in that order.
+  Mat& psit = work.psit;
+  mtrans(n, m, psi, psit);
+  Mat& psipsi = work.psipsi;
+  mmul(n, m, n, psithinv, psit, psipsi);
   for (int i = 1; i <= n; ++i) {
-    for (int j = 1; j <= n; ++j) {
-      double s = 0.0;
-      for (int r = 1; r <= m; ++r) s += psithinv(i, r) * psi(j, r);
-      k(i, j) = phi(i, j) - s;
-    }
+    for (int j = 1; j <= n; ++j) k(i, j) = phi(i, j) - psipsi(i, j);
     double s = 0.0;
     for (int r = 1; r <= m; ++r) s += psithinv(i, r) * thetalc(r, 1);
     p(i, 1) = philc(i, 1) - s;
   }
+  mmul(m, m, n, thetainv, psit, g);
   for (int i = 1; i <= m; ++i) {
-    for (int j = 1; j <= n; ++j) {
-      double s = 0.0;
-      for (int r = 1; r <= m; ++r) s += thetainv(i, r) * psi(j, r);
-      g(i, j) = -s;
-    }
+    for (int j = 1; j <= n; ++j) g(i, j) = -g(i, j);
     double s = 0.0;
     for (int r = 1; r <= m; ++r) s += thetainv(i, r) * thetalc(r, 1);
     glc(i, 1) = -s;
@@ -426,13 +423,13 @@ namespace {
 // every step with the period and the step's results.
 template <typename AtStep>
 int backward(int n, int m, int nt, int last, const Mat& a, const Mat& b, const Mat& cs,
-             const Mat& f, const Mat& lamlcs, const Mat& lams, const Mat& wlcs, const Mat& ws,
-             RiccatiWork& w, const SolveTrace& trace, AtStep atStep) {
-  w.terminal(n, nt, ws, wlcs);
+             const CriterionArrays& crit, RiccatiWork& w, const SolveTrace& trace, AtStep atStep) {
+  w.terminal(n, nt, crit.ws, crit.wlcs);
   for (int t = nt - 1; t >= last; --t) {
     atStep.before(t);
-    comphi(n, m, nt, t, a, b, f, w.k, lams, ws, w.phi, w.psi, w.theta, trace, &w.scratch);
-    comphilc(n, m, t, a, b, cs, w.k, w.p, wlcs, lamlcs, w.philc, w.thetalc, &w.scratch);
+    comphi(n, m, nt, t, a, b, crit.f, w.k, crit.lams, crit.ws, w.phi, w.psi, w.theta, trace,
+           &w.scratch);
+    comphilc(n, m, t, a, b, cs, w.k, w.p, crit.wlcs, crit.lamlcs, w.philc, w.thetalc, &w.scratch);
     riccatiUpdate(n, m, w.phi, w.psi, w.theta, w.philc, w.thetalc, w.thetainv, w.k, w.p, w.g, w.glc,
                   &w.scratch);
     atStep.after(t);
@@ -470,8 +467,7 @@ int riccati(const SystemArrays& sys, const CriterionArrays& crit, FeedbackRule& 
       return trace.ok();
     }
   } steps{n, m, w, rule, trace};
-  backward(n, m, nt, 0, sys.a, sys.b, sys.cs, crit.f, crit.lamlcs, crit.lams, crit.wlcs, crit.ws, w,
-           trace, steps);
+  backward(n, m, nt, 0, sys.a, sys.b, sys.cs, crit, w, trace, steps);
   return trace.ok();
 }
 
@@ -499,6 +495,17 @@ int compu(int n, int m, int nt, int t, const FeedbackRule& rule, const Mat& x, M
 
 int compx(int n, int m, int nt, int t, const Mat& a, const Mat& b, const Mat& cs, const Mat& x,
           const Mat& u, Mat& xnext, const SolveTrace& trace) {
+  if (!trace.on(SolveTopic::XAndUIntermediate)) {
+    // Untraced, the same sums element by element, without the arrays the dumps show.
+    for (int i = 1; i <= n; ++i) {
+      double ax = 0.0;
+      for (int j = 1; j <= n; ++j) ax += a(i, j) * x(j, 1);
+      double bu = 0.0;
+      for (int j = 1; j <= m; ++j) bu += b(i, j) * u(j, 1);
+      xnext(i, 1) = ax + (bu + cs(i, t));
+    }
+    return 1;
+  }
   Mat ax = mat2(1, n, 1, 1);
   Mat bu = mat2(1, n, 1, 1);
   Mat ck = column(n, t, cs);
@@ -507,7 +514,6 @@ int compx(int n, int m, int nt, int t, const Mat& a, const Mat& b, const Mat& cs
   mmul(n, m, 1, b, u, bu);
   madd(n, 1, bu, ck, buc);
   madd(n, 1, ax, buc, xnext);
-  if (!trace.on(SolveTopic::XAndUIntermediate)) return 1;
   DebugFile& f = trace.file();
   f.dumpMatrix("a in compx", 1, n, 1, n, a);
   f.dumpMatrix("b in compx", 1, n, 1, m, b);
@@ -659,34 +665,32 @@ struct CeSteps {
 };
 
 int compKpgCeBody(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat& cs,
-                  const Mat& f, const Mat& lamlcs, const Mat& lams, const Mat& wlcs, const Mat& ws,
-                  RiccatiWork& w, FeedbackRule* rule, const SolveTrace& trace) {
+                  const CriterionArrays& crit, RiccatiWork& w, FeedbackRule* rule,
+                  const SolveTrace& trace) {
   if (trace.on(SolveTopic::KAndP)) {
-    w.terminal(n, nt, ws, wlcs);
+    w.terminal(n, nt, crit.ws, crit.wlcs);
     trace.file().dumpMatrix("kj1 at top of CompKpgCe", 1, n, 1, n, w.k);
     trace.file().dumpMatrix("pj1 at top of CompKpgCe", 1, n, 1, 1, w.p);
   }
   CeSteps steps{n, m, w, trace, rule};
-  backward(n, m, nt, k, a, b, cs, f, lamlcs, lams, wlcs, ws, w, trace, steps);
+  backward(n, m, nt, k, a, b, cs, crit, w, trace, steps);
   return trace.ok();
 }
 
 }  // namespace
 
-int CompKpgCe(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat& cs, const Mat& f,
-              const Mat& lamlcs, const Mat& lams, const Mat& wlcs, const Mat& ws, Mat& g, Mat& glc,
+int CompKpgCe(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat& cs,
+              const CriterionArrays& crit, RiccatiWork& w, Mat& g, Mat& glc,
               const SolveTrace& trace) {
-  RiccatiWork w(n, m);
-  compKpgCeBody(n, m, nt, k, a, b, cs, f, lamlcs, lams, wlcs, ws, w, nullptr, trace);
+  compKpgCeBody(n, m, nt, k, a, b, cs, crit, w, nullptr, trace);
   takeRule(n, m, w, g, glc, trace);
   return trace.ok();
 }
 
 int CompKpgCeForw(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat& cs,
-                  const Mat& f, const Mat& lamlcs, const Mat& lams, const Mat& wlcs, const Mat& ws,
-                  FeedbackRule& rule, const SolveTrace& trace) {
-  RiccatiWork w(n, m);
-  compKpgCeBody(n, m, nt, k, a, b, cs, f, lamlcs, lams, wlcs, ws, w, &rule, trace);
+                  const CriterionArrays& crit, RiccatiWork& w, FeedbackRule& rule,
+                  const SolveTrace& trace) {
+  compKpgCeBody(n, m, nt, k, a, b, cs, crit, w, &rule, trace);
   if (trace.on(SolveTopic::GAndG)) trace.file().dumpMatrix("glcs", 1, m, k, nt - 1, rule.glcs);
   return trace.ok();
 }

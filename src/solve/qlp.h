@@ -64,12 +64,13 @@ int systemInput(const Model& model, const SolveTrace& trace, SystemArrays& sys);
 // Criterion input: weights, desired paths, x0 and, in the tracking form, the linear terms.
 int criterionInput(const Model& model, const SolveTrace& trace, CriterionArrays& crit);
 
-// Scratch of one Riccati step (K c + p, psi thetainv, K B, the quadratic form's products and the
-// inversion's factors), made once per recursion so that its steps allocate nothing. The steps
-// below take it when given and otherwise make their own; the numbers are the same either way.
+// Scratch of one Riccati step (K c + p, psi thetainv, psi' and (psi thetainv) psi', the quadratic
+// forms' products and the inversion's factors), made once per recursion so that its steps
+// allocate nothing. The steps below take it when given and otherwise make their own; the numbers
+// are the same either way.
 struct RiccatiScratch {
   RiccatiScratch(int n, int m);
-  Mat q, psithinv, kb;
+  Mat q, psithinv, psit, psipsi;
   QuadFormWork quadA, quadB;
   MinvWork inverse;
 };
@@ -139,14 +140,15 @@ double SumTracking(int n, int m, int nt, const Mat& ws, const Mat& lams, const M
                    const Mat& utws, const Mat& xs, const Mat& us, const SolveTrace& trace);
 
 // The per-period re-solve of the certainty-equivalence methods: the recursion from the terminal
-// values down to period k with the current estimates, returning only the rule of period k
-// (G m x n, g m x 1).
-int CompKpgCe(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat& cs, const Mat& f,
-              const Mat& lamlcs, const Mat& lams, const Mat& wlcs, const Mat& ws, Mat& g, Mat& glc,
+// values down to period k with the current estimates a, b, cs and the criterion's weights,
+// returning only the rule of period k (G m x n, g m x 1). `w` is the caller's scratch for n
+// states and m controls, made once per run so that the re-solves allocate nothing.
+int CompKpgCe(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat& cs,
+              const CriterionArrays& crit, RiccatiWork& w, Mat& g, Mat& glc,
               const SolveTrace& trace);
 // The same for forward-variable models: the rule of every period k..nt-1 into `rule`.
 int CompKpgCeForw(int n, int m, int nt, int k, const Mat& a, const Mat& b, const Mat& cs,
-                  const Mat& f, const Mat& lamlcs, const Mat& lams, const Mat& wlcs, const Mat& ws,
-                  FeedbackRule& rule, const SolveTrace& trace);
+                  const CriterionArrays& crit, RiccatiWork& w, FeedbackRule& rule,
+                  const SolveTrace& trace);
 
 }  // namespace ovaro

@@ -140,6 +140,9 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
   Mat xhk1k1 = mat2(1, n, 1, 1), thk1k1 = mat2(1, np, 1, 1);
   Mat sixxk1k1 = mat2(1, n, 1, n), sitxk1k1 = mat2(1, np, 1, n), sittk1k1 = mat2(1, np, 1, np);
   UncertainParameters par = s.par;
+  // The scratch of the per-period re-solves and of the filter, made once for the run.
+  OlfWork solveWork(n, m);
+  FilterWork filterWork(n, m, np, ny);
 
   // Forward variables: the expected path of the iteration, kept from period to period.
   const bool forwardModel = s.sys.forward != 0;
@@ -165,11 +168,9 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
     } else if (!forwardModel) {
       if (olfLike) {
         mmov(np, np, sittkk, par.sitt);
-        CompKpg(n, m, nt, k, a, b, cs, s.crit.f, s.crit.lamlcs, s.crit.lams, s.crit.wlcs, s.crit.ws,
-                par, g, glc, trace);
+        CompKpg(n, m, nt, k, a, b, cs, s.crit, par, solveWork, g, glc, trace);
       } else {
-        CompKpgCe(n, m, nt, k, a, b, cs, s.crit.f, s.crit.lamlcs, s.crit.lams, s.crit.wlcs,
-                  s.crit.ws, g, glc, trace);
+        CompKpgCe(n, m, nt, k, a, b, cs, s.crit, solveWork, g, glc, trace);
       }
     }
     if (forwardModel) {
@@ -191,11 +192,9 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
           forward(n, m, nt, k, 1, s.sys.maxLead, csAdjusted, s.sys.d1, s.sys.d2, s.sys.d3, xsiter,
                   trace);
           if (olfLike) {
-            CompKpgOlfForw(n, m, nt, k, a, b, csAdjusted, s.crit.f, s.crit.lamlcs, s.crit.lams,
-                           s.crit.wlcs, s.crit.ws, par, rule, trace);
+            CompKpgOlfForw(n, m, nt, k, a, b, csAdjusted, s.crit, par, solveWork, rule, trace);
           } else {
-            CompKpgCeForw(n, m, nt, k, a, b, csAdjusted, s.crit.f, s.crit.lamlcs, s.crit.lams,
-                          s.crit.wlcs, s.crit.ws, rule, trace);
+            CompKpgCeForw(n, m, nt, k, a, b, csAdjusted, s.crit, solveWork, rule, trace);
           }
           if (trace.on(SolveTopic::GAndG)) {
             trace.file().dumpMatrix3("gs in forward variable iteration of " + routine, k, nt - 1, 1,
@@ -242,11 +241,11 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
       madd(n, 1, cbase, lead.dxesum, ck);
     }
     KStep(n, m, s.l, np, a, b, ck, s.d, xhkk, thkk, uk, s.ath, s.bth, s.cth, sixxkk, sitxkk, sittkk,
-          xhk1k, thk1k, trace);
+          xhk1k, thk1k, trace, &filterWork);
     Sigk1k(n, m, s.l, np, a, ck, s.d, xhkk, uk, s.ath, s.bth, s.cth, sixxkk, sitxkk, sittkk, s.q,
-           s.gam, sixxk1k, sitxk1k, sittk1k, trace);
+           s.gam, sixxk1k, sitxk1k, sittk1k, trace, &filterWork);
     Sigk1k1(n, m, np, ny, y, xhk1k, thk1k, sixxk1k, sitxk1k, sittk1k, s.h, s.r, xhk1k1, thk1k1,
-            sixxk1k1, sitxk1k1, sittk1k1, trace);
+            sixxk1k1, sitxk1k1, sittk1k1, trace, &filterWork);
     // CEWO learns the state but never moves its parameter estimate.
     if (method == kCeWo) mmov(np, 1, thkk, thk1k1);
     // OLIN knows the policy-to-parameter effect and adds it to the estimate.

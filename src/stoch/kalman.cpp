@@ -9,9 +9,12 @@
 // theta(k+1) = D theta(k) + eta.
 //
 // Every triple product A B C is formed as A (B C) by the matrix library's mmul3, and every sum in
-// the order written, so that two runs give the same bits. Temporaries are allocated once per call,
-// outside the loops; no input is overwritten.
+// the order written, so that two runs give the same bits. Temporaries live in a FilterWork made
+// once per Monte Carlo run (a call without one makes its own); no input is overwritten.
 #include "stoch/kalman.h"
+
+#include <algorithm>
+#include <optional>
 
 #include "numeric/matrix_ops.h"
 #include "solve/system_forms.h"
@@ -41,13 +44,74 @@ double trace4Mixed(int n, int p, const Mat& P, const Mat& Q, const Mat& R, const
   return sum;
 }
 
+// The caller's scratch, or one made for this call.
+FilterWork& workFor(FilterWork* work, std::optional<FilterWork>& own, int n, int m, int np,
+                    int ny) {
+  return work != nullptr ? *work : own.emplace(n, m, np, ny);
+}
+
 }  // namespace
+
+FilterWork::FilterWork(int n, int m, int np, int ny)
+    : axbuc(mat2(1, n, 1, 1)),
+      eaistx(mat2(1, n, 1, 1)),
+      athi(mat2(1, n, 1, np)),
+      bthi(mat2(1, m, 1, np)),
+      cthi(mat2(1, 1, 1, np)),
+      xt(mat2(1, 1, 1, n)),
+      ut(mat2(1, 1, 1, m)),
+      xa(mat2(1, 1, 1, np)),
+      ub(mat2(1, 1, 1, np)),
+      ubc(mat2(1, 1, 1, np)),
+      fxti(mat2(1, 1, 1, np)),
+      fxt(mat2(1, n, 1, np)),
+      tr4as(mat2(1, n, 1, n)),
+      tr4bs(mat2(1, n, 1, n)),
+      eiej4(mat2(1, n, 1, n)),
+      at(mat2(1, n, 1, n)),
+      asxxa(mat2(1, n, 1, n)),
+      fxtt(mat2(1, np, 1, n)),
+      sixtkk(mat2(1, n, 1, np)),
+      asf(mat2(1, n, 1, n)),
+      asft(mat2(1, n, 1, n)),
+      fsf(mat2(1, n, 1, n)),
+      a4(mat2(1, n, 1, n)),
+      dsa(mat2(1, np, 1, n)),
+      dsf(mat2(1, np, 1, n)),
+      dt(mat2(1, np, 1, np)),
+      dsd(mat2(1, np, 1, np)),
+      ht(mat2(1, n, 1, ny)),
+      hsh(mat2(1, ny, 1, ny)),
+      s(mat2(1, ny, 1, ny)),
+      scopy(mat2(1, ny, 1, ny)),
+      sinverse(mat2(1, ny, 1, ny)),
+      check(mat2(1, ny, 1, ny)),
+      hsih(mat2(1, n, 1, n)),
+      sxxhsihsxx(mat2(1, n, 1, n)),
+      stxhsihsxx(mat2(1, np, 1, n)),
+      sixtk1k(mat2(1, n, 1, np)),
+      stxhsihsxt(mat2(1, np, 1, np)),
+      hx(mat2(1, ny, 1, 1)),
+      yhx(mat2(1, ny, 1, 1)),
+      sxxhs(mat2(1, n, 1, ny)),
+      sxxhsyhx(mat2(1, n, 1, 1)),
+      stxhs(mat2(1, np, 1, ny)),
+      stxhsyhx(mat2(1, np, 1, 1)),
+      product(mat2(1, std::max({n, np, ny}), 1, std::max({n, np, ny}))),
+      inverse(ny) {
+  for (int i = 0; i < n; ++i) {
+    athSlices.push_back(mat2(1, n, 1, np));
+    athSlicesT.push_back(mat2(1, np, 1, n));
+  }
+}
 
 // xhk1k = (A xhkk + B uk + c) + eaistx, eaistx_i = trace(ath_i sitxkk); thk1k = D thkk.
 void KStep(int n, int m, int l, int np, const Mat& a, const Mat& b, const Mat& c, const Mat& d,
            const Mat& xhkk, const Mat& thkk, const Mat& uk, const Mat3& ath, const Mat3& bth,
            const Mat3& cth, const Mat& sixxkk, const Mat& sitxkk, const Mat& sittkk, Mat& xhk1k,
-           Mat& thk1k, const SolveTrace& trace) {
+           Mat& thk1k, const SolveTrace& trace, FilterWork* work) {
+  std::optional<FilterWork> own;
+  FilterWork& w = workFor(work, own, n, m, np, n);
   const bool steps = trace.on(SolveTopic::ProjectionMeansIntermediate);
   if (steps) {
     DebugFile& f = trace.file();
@@ -60,13 +124,13 @@ void KStep(int n, int m, int l, int np, const Mat& a, const Mat& b, const Mat& c
     f.dumpMatrix("sittkk in KStep", 1, np, 1, np, sittkk);
   }
 
-  Mat axbuc = mat2(1, n, 1, 1);
+  Mat& axbuc = w.axbuc;
   CompAxBuc(n, m, a, b, c, xhkk, uk, axbuc);
 
   // E[A x] = A xhat + E[(A - Ahat)(x - xhat)]: for equation i the covariance of the uncertain
   // elements of row i of A with x, which is trace(ath_i sitxkk).
-  Mat eaistx = mat2(1, n, 1, 1);
-  Mat athi = mat2(1, n, 1, np);
+  Mat& eaistx = w.eaistx;
+  Mat& athi = w.athi;
   for (int i = 1; i <= n; ++i) {
     mslice3get(n, np, i, ath, athi);
     eaistx(i, 1) = mtrace2(n, np, athi, sitxkk);
@@ -91,7 +155,9 @@ void KStep(int n, int m, int l, int np, const Mat& a, const Mat& b, const Mat& c
 
 // fxt(i, :) = xhkk' ath_i + (uk' bth_i + cth_i).
 void Fxtk(int n, int m, int l, int np, const Mat3& ath, const Mat3& bth, const Mat3& cth,
-          const Mat& xhkk, const Mat& uk, Mat& fxt, const SolveTrace& trace) {
+          const Mat& xhkk, const Mat& uk, Mat& fxt, const SolveTrace& trace, FilterWork* work) {
+  std::optional<FilterWork> own;
+  FilterWork& w = workFor(work, own, n, m, np, n);
   const bool steps = trace.on(SolveTopic::ProjectionCovariancesIntermediate);
   if (steps) {
     DebugFile& f = trace.file();
@@ -101,12 +167,11 @@ void Fxtk(int n, int m, int l, int np, const Mat3& ath, const Mat3& bth, const M
     f.dumpColumn("xhkk in Fxtk", n, xhkk);
     f.dumpColumn("uk in Fxtk", m, uk);
   }
-  Mat xt = mat2(1, 1, 1, n), ut = mat2(1, 1, 1, m);
+  Mat &xt = w.xt, &ut = w.ut;
   mtrans(n, 1, xhkk, xt);
   mtrans(m, 1, uk, ut);
-  Mat athi = mat2(1, n, 1, np), bthi = mat2(1, m, 1, np), cthi = mat2(1, 1, 1, np);
-  Mat xa = mat2(1, 1, 1, np), ub = mat2(1, 1, 1, np), ubc = mat2(1, 1, 1, np);
-  Mat fxti = mat2(1, 1, 1, np);
+  Mat &athi = w.athi, &bthi = w.bthi, &cthi = w.cthi;
+  Mat &xa = w.xa, &ub = w.ub, &ubc = w.ubc, &fxti = w.fxti;
   for (int i = 1; i <= n; ++i) {
     mslice3get(n, np, i, ath, athi);
     mslice3get(m, np, i, bth, bthi);
@@ -131,9 +196,11 @@ void Fxtk(int n, int m, int l, int np, const Mat3& ath, const Mat3& bth, const M
 // sitxk1k = D sitx A' + D sitt fxt', sittk1k = D sitt D' + GAM.
 void Sk1k(int n, int m, int l, int np, const Mat& a, const Mat3& ath, const Mat& d, const Mat& fxt,
           const Mat& sixxkk, const Mat& sitxkk, const Mat& sittkk, const Mat& q, const Mat& gam,
-          Mat& sixxk1k, Mat& sitxk1k, Mat& sittk1k, const SolveTrace& trace) {
-  (void)m;
+          Mat& sixxk1k, Mat& sitxk1k, Mat& sittk1k, const SolveTrace& trace, FilterWork* work) {
   (void)l;
+  std::optional<FilterWork> own;
+  FilterWork& w = workFor(work, own, n, m, np, n);
+  Mat& bd = w.product;
   const bool steps = trace.on(SolveTopic::ProjectionCovariancesIntermediate);
   if (steps) {
     DebugFile& f = trace.file();
@@ -145,15 +212,20 @@ void Sk1k(int n, int m, int l, int np, const Mat& a, const Mat3& ath, const Mat&
   // eiej4(i, j) = E[(A - Ahat)_i (x - xhat) (x - xhat)' (A - Ahat)_j'] under normality, the
   // second-order term of the product of an uncertain A with an uncertain x:
   // trace(ath_i sitx ath_j sitx) + trace(ath_i sitt ath_j' sixx).
-  Mat tr4as = mat2(1, n, 1, n), tr4bs = mat2(1, n, 1, n), eiej4 = mat2(1, n, 1, n);
-  Mat athi = mat2(1, n, 1, np), athj = mat2(1, n, 1, np), athjt = mat2(1, np, 1, n);
+  Mat &tr4as = w.tr4as, &tr4bs = w.tr4bs, &eiej4 = w.eiej4;
+  // The slices of ath and their transposes, taken once for all the pairs (i, j).
   for (int i = 1; i <= n; ++i) {
-    mslice3get(n, np, i, ath, athi);
+    Mat& slice = w.athSlices[static_cast<std::size_t>(i - 1)];
+    mslice3get(n, np, i, ath, slice);
+    mtrans(n, np, slice, w.athSlicesT[static_cast<std::size_t>(i - 1)]);
+  }
+  for (int i = 1; i <= n; ++i) {
+    const Mat& athi = w.athSlices[static_cast<std::size_t>(i - 1)];
     if (steps) trace.file().dumpMatrix("athi in Sk1k", 1, n, 1, np, athi);
     for (int j = 1; j <= n; ++j) {
-      mslice3get(n, np, j, ath, athj);
+      const Mat& athj = w.athSlices[static_cast<std::size_t>(j - 1)];
+      const Mat& athjt = w.athSlicesT[static_cast<std::size_t>(j - 1)];
       const double tr4a = mtrace4(n, np, athi, sitxkk, athj, sitxkk);
-      mtrans(n, np, athj, athjt);
       const double tr4b = trace4Mixed(n, np, athi, sittkk, athjt, sixxkk);
       tr4as(i, j) = tr4a;
       tr4bs(i, j) = tr4b;
@@ -172,30 +244,30 @@ void Sk1k(int n, int m, int l, int np, const Mat& a, const Mat3& ath, const Mat&
     f.dumpMatrix("eiej4 in Sk1k", 1, n, 1, n, eiej4);
   }
 
-  Mat at = mat2(1, n, 1, n), asxxa = mat2(1, n, 1, n);
+  Mat &at = w.at, &asxxa = w.asxxa;
   mtrans(n, n, a, at);
-  mmul3(n, n, n, n, a, sixxkk, at, asxxa);
+  mmul3(n, n, n, n, a, sixxkk, at, asxxa, bd);
 
-  Mat fxtt = mat2(1, np, 1, n), sixtkk = mat2(1, n, 1, np);
-  Mat asf = mat2(1, n, 1, n), asft = mat2(1, n, 1, n), fsf = mat2(1, n, 1, n);
+  Mat &fxtt = w.fxtt, &sixtkk = w.sixtkk;
+  Mat &asf = w.asf, &asft = w.asft, &fsf = w.fsf;
   mtrans(n, np, fxt, fxtt);
   mtrans(np, n, sitxkk, sixtkk);
-  mmul3(n, n, np, n, a, sixtkk, fxtt, asf);
+  mmul3(n, n, np, n, a, sixtkk, fxtt, asf, bd);
   mtrans(n, n, asf, asft);
-  mmul3(n, np, np, n, fxt, sittkk, fxtt, fsf);
+  mmul3(n, np, np, n, fxt, sittkk, fxtt, fsf, bd);
 
-  Mat a4 = mat2(1, n, 1, n);
+  Mat& a4 = w.a4;
   madd4(n, n, asxxa, asf, asft, fsf, a4);
   madd3(n, n, a4, q, eiej4, sixxk1k);
 
-  Mat dsa = mat2(1, np, 1, n), dsf = mat2(1, np, 1, n);
-  mmul3(np, np, n, n, d, sitxkk, at, dsa);
-  mmul3(np, np, np, n, d, sittkk, fxtt, dsf);
+  Mat &dsa = w.dsa, &dsf = w.dsf;
+  mmul3(np, np, n, n, d, sitxkk, at, dsa, bd);
+  mmul3(np, np, np, n, d, sittkk, fxtt, dsf, bd);
   madd(np, n, dsa, dsf, sitxk1k);
 
-  Mat dt = mat2(1, np, 1, np), dsd = mat2(1, np, 1, np);
+  Mat &dt = w.dt, &dsd = w.dsd;
   mtrans(np, np, d, dt);
-  mmul3(np, np, np, np, d, sittkk, dt, dsd);
+  mmul3(np, np, np, np, d, sittkk, dt, dsd, bd);
   madd(np, np, dsd, gam, sittk1k);
 
   const bool finals = trace.on(SolveTopic::ProjectionCovariancesFinal);
@@ -229,7 +301,9 @@ void Sk1k(int n, int m, int l, int np, const Mat& a, const Mat3& ath, const Mat&
 void Sigk1k(int n, int m, int l, int np, const Mat& a, const Mat& c, const Mat& d, const Mat& xhkk,
             const Mat& uk, const Mat3& ath, const Mat3& bth, const Mat3& cth, const Mat& sixxkk,
             const Mat& sitxkk, const Mat& sittkk, const Mat& q, const Mat& gam, Mat& sixxk1k,
-            Mat& sitxk1k, Mat& sittk1k, const SolveTrace& trace) {
+            Mat& sitxk1k, Mat& sittk1k, const SolveTrace& trace, FilterWork* work) {
+  std::optional<FilterWork> own;
+  FilterWork& w = workFor(work, own, n, m, np, n);
   if (trace.on(SolveTopic::ProjectionCovariancesIntermediate)) {
     Mat cLocal = mat2(1, n, 1, 1);
     mmov(n, 1, c, cLocal);
@@ -241,10 +315,10 @@ void Sigk1k(int n, int m, int l, int np, const Mat& a, const Mat& c, const Mat& 
     f.dumpMatrix("sitxkk in Sigk1k", 1, np, 1, n, sitxkk);
     f.dumpMatrix("sittkk in Sigk1k", 1, np, 1, np, sittkk);
   }
-  Mat fxt = mat2(1, n, 1, np);
-  Fxtk(n, m, l, np, ath, bth, cth, xhkk, uk, fxt, trace);
+  Mat& fxt = w.fxt;
+  Fxtk(n, m, l, np, ath, bth, cth, xhkk, uk, fxt, trace, &w);
   Sk1k(n, m, l, np, a, ath, d, fxt, sixxkk, sitxkk, sittkk, q, gam, sixxk1k, sitxk1k, sittk1k,
-       trace);
+       trace, &w);
 }
 
 // With s = H sixx H' + R and the gain blocks sixx H' s^-1 and sitx H' s^-1:
@@ -253,8 +327,10 @@ void Sigk1k(int n, int m, int l, int np, const Mat& a, const Mat& c, const Mat& 
 void Sigk1k1(int n, int m, int np, int ny, const Mat& y, const Mat& xhk1k, const Mat& thk1k,
              const Mat& sixxk1k, const Mat& sitxk1k, const Mat& sittk1k, const Mat& h, const Mat& r,
              Mat& xhk1k1, Mat& thk1k1, Mat& sixxk1k1, Mat& sitxk1k1, Mat& sittk1k1,
-             const SolveTrace& trace) {
-  (void)m;
+             const SolveTrace& trace, FilterWork* work) {
+  std::optional<FilterWork> own;
+  FilterWork& w = workFor(work, own, n, m, np, ny);
+  Mat& bd = w.product;
   const bool covSteps = trace.on(SolveTopic::FilterCovariancesIntermediate);
   const bool covFinals = trace.on(SolveTopic::FilterCovariancesFinal);
   const bool thetaCov = covFinals || trace.on(SolveTopic::ThetaCovariance);
@@ -262,39 +338,39 @@ void Sigk1k1(int n, int m, int np, int ny, const Mat& y, const Mat& xhk1k, const
   const bool meanFinals = trace.on(SolveTopic::FilterMeansFinal);
 
   // The innovation covariance and its inverse.
-  Mat ht = mat2(1, n, 1, ny), hsh = mat2(1, ny, 1, ny), s = mat2(1, ny, 1, ny);
+  Mat &ht = w.ht, &hsh = w.hsh, &s = w.s;
   mtrans(ny, n, h, ht);
-  mmul3(ny, n, n, ny, h, sixxk1k, ht, hsh);
+  mmul3(ny, n, n, ny, h, sixxk1k, ht, hsh, bd);
   madd(ny, ny, hsh, r, s);
-  Mat scopy = mat2(1, ny, 1, ny), sinverse = mat2(1, ny, 1, ny), check = mat2(1, ny, 1, ny);
+  Mat &scopy = w.scopy, &sinverse = w.sinverse, &check = w.check;
   mmov(ny, ny, s, scopy);
-  minv(ny, scopy, sinverse);
+  minv(ny, scopy, sinverse, w.inverse);
   mmul(ny, ny, ny, s, sinverse, check);
-  Mat hsih = mat2(1, n, 1, n);
-  mmul3(n, ny, ny, n, ht, sinverse, h, hsih);
+  Mat& hsih = w.hsih;
+  mmul3(n, ny, ny, n, ht, sinverse, h, hsih, bd);
 
   // Covariances: every correction is formed from the predicted blocks alone.
-  Mat sxxhsihsxx = mat2(1, n, 1, n);
-  mmul3(n, n, n, n, sixxk1k, hsih, sixxk1k, sxxhsihsxx);
+  Mat& sxxhsihsxx = w.sxxhsihsxx;
+  mmul3(n, n, n, n, sixxk1k, hsih, sixxk1k, sxxhsihsxx, bd);
   msub(n, n, sixxk1k, sxxhsihsxx, sixxk1k1);
-  Mat stxhsihsxx = mat2(1, np, 1, n);
-  mmul3(np, n, n, n, sitxk1k, hsih, sixxk1k, stxhsihsxx);
+  Mat& stxhsihsxx = w.stxhsihsxx;
+  mmul3(np, n, n, n, sitxk1k, hsih, sixxk1k, stxhsihsxx, bd);
   msub(np, n, sitxk1k, stxhsihsxx, sitxk1k1);
-  Mat sixtk1k = mat2(1, n, 1, np), stxhsihsxt = mat2(1, np, 1, np);
+  Mat &sixtk1k = w.sixtk1k, &stxhsihsxt = w.stxhsihsxt;
   mtrans(np, n, sitxk1k, sixtk1k);
-  mmul3(np, n, n, np, sitxk1k, hsih, sixtk1k, stxhsihsxt);
+  mmul3(np, n, n, np, sitxk1k, hsih, sixtk1k, stxhsihsxt, bd);
   msub(np, np, sittk1k, stxhsihsxt, sittk1k1);
 
   // Means.
-  Mat hx = mat2(1, ny, 1, 1), yhx = mat2(1, ny, 1, 1);
+  Mat &hx = w.hx, &yhx = w.yhx;
   mmul(ny, n, 1, h, xhk1k, hx);
   msub(ny, 1, y, hx, yhx);
-  Mat sxxhs = mat2(1, n, 1, ny), sxxhsyhx = mat2(1, n, 1, 1);
-  mmul3(n, n, ny, ny, sixxk1k, ht, sinverse, sxxhs);
+  Mat &sxxhs = w.sxxhs, &sxxhsyhx = w.sxxhsyhx;
+  mmul3(n, n, ny, ny, sixxk1k, ht, sinverse, sxxhs, bd);
   mmul(n, ny, 1, sxxhs, yhx, sxxhsyhx);
   madd(n, 1, xhk1k, sxxhsyhx, xhk1k1);
-  Mat stxhs = mat2(1, np, 1, ny), stxhsyhx = mat2(1, np, 1, 1);
-  mmul3(np, n, ny, ny, sitxk1k, ht, sinverse, stxhs);
+  Mat &stxhs = w.stxhs, &stxhsyhx = w.stxhsyhx;
+  mmul3(np, n, ny, ny, sitxk1k, ht, sinverse, stxhs, bd);
   mmul(np, ny, 1, stxhs, yhx, stxhsyhx);
   madd(np, 1, thk1k, stxhsyhx, thk1k1);
 

@@ -95,12 +95,14 @@ TEST(OlfExpectedForms, EqualTheMeanOverAParameterDistributionWithThatCovariance)
       lamlcs = mat2(1, m, 0, 0);
   ws(1, 0) = 1.0, ws(2, 0) = 2.0, lams(1, 0) = 0.5, wlcs(1, 0) = 0.3, lamlcs(1, 0) = -0.1;
 
-  Mat phi = mat2(1, n, 1, n), psi = mat2(1, n, 1, m), theta = mat2(1, m, 1, m);
-  Mat philc = mat2(1, n, 1, 1), thetalc = mat2(1, m, 1, 1);
-  comphiolf(n, m, 1, np, 0, a, b, f, k, lams, napar, nbpar, sitt, ws, phi, psi, theta,
-            SolveTrace());
-  comphilcolf(n, m, 1, np, 0, a, b, cs, k, lamlcs, napar, nbpar, ncpar, sitt, p, wlcs, philc,
-              thetalc, SolveTrace());
+  CriterionArrays crit;
+  crit.f = f, crit.ws = ws, crit.lams = lams, crit.wlcs = wlcs, crit.lamlcs = lamlcs;
+  const UncertainParameters par{np, napar, nbpar, ncpar, sitt};
+  OlfWork w(n, m);
+  w.k = k, w.p = p;
+  comphiolf(n, m, 1, 0, a, b, crit, par, w, SolveTrace());
+  comphilcolf(n, m, 0, a, b, cs, crit, par, w, SolveTrace());
+  const Mat &phi = w.phi, &psi = w.psi, &theta = w.theta, &philc = w.philc, &thetalc = w.thetalc;
 
   double ePhi[2][2] = {}, ePsi[2] = {}, eTheta = 0, ePhilc[2] = {}, eThetalc = 0;
   const double scale = std::sqrt(double(np));

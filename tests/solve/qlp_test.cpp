@@ -173,9 +173,10 @@ TEST(QlpSolve, TrackingCriterionSumsAgreeAndTheRuleReproducesThePath) {
   expectClose(a, b, 1e-12, "sumc vs SumTracking");
   for (int per = 0; per < sys.nt; ++per) {
     Mat g = mat2(1, sys.m, 1, sys.n), glc = mat2(1, sys.m, 1, 1);
-    ASSERT_EQ(CompKpgCe(sys.n, sys.m, sys.nt, per, sys.a, sys.b, sys.cs, crit.f, crit.lamlcs,
-                        crit.lams, crit.wlcs, crit.ws, g, glc, SolveTrace()),
-              1);
+    RiccatiWork w(sys.n, sys.m);
+    ASSERT_EQ(
+        CompKpgCe(sys.n, sys.m, sys.nt, per, sys.a, sys.b, sys.cs, crit, w, g, glc, SolveTrace()),
+        1);
     for (int i = 1; i <= sys.m; ++i) {
       for (int j = 1; j <= sys.n; ++j) EXPECT_EQ(g(i, j), rule.gs(per, i, j));
       EXPECT_EQ(glc(i, 1), rule.glcs(i, per));
