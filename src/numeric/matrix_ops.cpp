@@ -128,16 +128,32 @@ __attribute__((target_clones("avx2", "default"))) void product(int n, int p, int
   }
 }
 
+// The products run over raw rows, past the element checks of a bounds-checked build; there the
+// far corner of every operand is checked first, so a size larger than an array stops the program
+// before anything is read or written.
+void checkCorner([[maybe_unused]] int rows, [[maybe_unused]] int cols,
+                 [[maybe_unused]] const Mat& a) {
+#if defined(OVARO_CHECK_BOUNDS)
+  if (rows >= 1 && cols >= 1) static_cast<void>(a.at(rows, cols));
+#endif
+}
+
 }  // namespace
 
 // C = A B. Each C(i, j) is summed from 0 over k = 1..p in increasing order (see rowBlock).
 void mmul(int n, int p, int m, const Mat& A, const Mat& B, Mat& C) {
+  checkCorner(n, p, A);
+  checkCorner(p, m, B);
+  checkCorner(n, m, C);
   if (n < 1 || p < 1) return product(n, p, m, nullptr, 0, 0, B, C);
   product(n, p, m, A.at(1, 1), A.cols(), 1, B, C);
 }
 
 // C = A' B, each element summed from 0 over r = 1..p as mmul sums it, without forming A'.
 void mtmul(int n, int p, int m, const Mat& A, const Mat& B, Mat& C) {
+  checkCorner(p, n, A);
+  checkCorner(p, m, B);
+  checkCorner(n, m, C);
   if (n < 1 || p < 1) return product(n, p, m, nullptr, 0, 0, B, C);
   product(n, p, m, A.at(1, 1), 1, A.cols(), B, C);
 }
