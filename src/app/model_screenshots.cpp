@@ -8,8 +8,8 @@
 #include "model/options.h"
 #include "numeric/prompter.h"
 #include "ui/dialogs/acronym_window.h"
+#include "ui/dialogs/form_dialogs.h"
 #include "ui/dialogs/matrix_entry.h"
-#include "ui/dialogs/spec_dialogs.h"
 #include "ui/editor/matrix_editor.h"
 
 namespace ovaro {

@@ -8,7 +8,7 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
-#include "ui/dialogs/spec_dialogs.h"
+#include "ui/dialogs/form_dialogs.h"
 
 namespace ovaro::ui {
 

@@ -5,8 +5,8 @@
 #include "model/options.h"
 #include "model/transform/reconcile.h"
 #include "ui/dialogs/acronym_window.h"
+#include "ui/dialogs/form_dialogs.h"
 #include "ui/dialogs/matrix_entry.h"
-#include "ui/dialogs/spec_dialogs.h"
 #include "ui/menu_table.h"
 
 namespace ovaro::ui {

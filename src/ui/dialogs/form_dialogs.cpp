@@ -1,4 +1,4 @@
-#include "ui/dialogs/spec_dialogs.h"
+#include "ui/dialogs/form_dialogs.h"
 
 #include <QAbstractButton>
 #include <QButtonGroup>

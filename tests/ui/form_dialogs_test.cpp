@@ -13,8 +13,8 @@
 #include "model/options.h"
 #include "support/test_data.h"
 #include "ui/dialogs/acronym_window.h"
+#include "ui/dialogs/form_dialogs.h"
 #include "ui/dialogs/matrix_entry.h"
-#include "ui/dialogs/spec_dialogs.h"
 #include "ui/qt_app.h"
 
 namespace ovaro::ui {
