@@ -12,7 +12,9 @@
 #   scripts/fault-check.sh --list          the fault ids with layer and file
 #
 # Environment: BUILD_DIR (default build/default), JOBS (2), TEST_TIMEOUT (seconds per test, 120),
-# RESULTS (a file to append "ID caught|missed|..." lines to).
+# RESULTS (a file to append "ID caught|missed|..." lines to), PROGRAMS (test programs to run instead
+# of the faulted layer's and those above it, e.g. "ovaro_solve_tests" to see what one layer's own
+# tests catch).
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -25,7 +27,7 @@ while (($#)); do
     -f) faults=$2; shift 2 ;;
     --check) mode=check; shift ;;
     --list) mode=list; shift ;;
-    -h | --help) sed -n '2,16p' "$0"; exit 0 ;;
+    -h | --help) sed -n '2,18p' "$0"; exit 0 ;;
     *) ids+=("$1"); shift ;;
   esac
 done
@@ -160,7 +162,7 @@ missed_ids=()
 start=$(date +%s)
 while IFS=$'\t' read -r id layer file old new; do
   total=$((total + 1))
-  programs=$(programs_for "$layer")
+  programs=${PROGRAMS:-$(programs_for "$layer")}
   cp -p "$file" "$backup/orig"
   current=$file
   if ! apply_fault "$file" "$old" "$new"; then
