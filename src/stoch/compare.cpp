@@ -82,12 +82,6 @@ struct CompareSetup {
   ForwardContext forwardBase;
 };
 
-Mat columnOf(int rows, int t, const Mat& a) {
-  Mat c = mat2(1, rows, 1, 1);
-  vcolget(rows, t, a, c);
-  return c;
-}
-
 // One run of one method: the true economy steered from the run's random draws.
 struct RunFlags {
   bool forwardFailure = false;
@@ -104,20 +98,20 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
   if (method == kOlIn) routine += " for OlfIn";
   const std::string in = " in " + routine;
 
-  Mat sixxkk = mat2(1, n, 1, n), sitxkk = mat2(1, np, 1, n), sittkk = mat2(1, np, 1, np);
-  mmov(n, n, s.sixx0, sixxkk);
-  mmovsub(1, np, 1, n, s.sitx0, sitxkk);
-  mmov(np, np, s.sitt0, sittkk);
-  Mat xhkk = mat2(1, n, 1, 1), thkk = mat2(1, np, 1, 1);
-  mmov(n, 1, terms.x0random, xhkk);
-  mmov(np, 1, terms.thetarandom, thkk);
+  // The filter's estimates at (k|k), (k+1|k) and (k+1|k+1).
+  FilterMoments kk(n, np), k1k(n, np), k1k1(n, np);
+  mmov(n, n, s.sixx0, kk.sixx);
+  mmovsub(1, np, 1, n, s.sitx0, kk.sitx);
+  mmov(np, np, s.sitt0, kk.sitt);
+  mmov(n, 1, terms.x0random, kk.xh);
+  mmov(np, 1, terms.thetarandom, kk.th);
   if (trace.on(SolveTopic::FilterCovariancesFinal) || trace.on(SolveTopic::FilterMeansFinal)) {
     DebugFile& f = trace.file();
-    f.dumpMatrix("initial sixxkk" + in, 1, n, 1, n, sixxkk);
-    f.dumpMatrix("initial sitxkk" + in, 1, np, 1, n, sitxkk);
-    f.dumpMatrix("initial sittkk" + in, 1, np, 1, np, sittkk);
-    f.dumpMatrix("initial xhkk" + in, 1, n, 1, 1, xhkk);
-    f.dumpMatrix("initial thkk" + in, 1, np, 1, 1, thkk);
+    f.dumpMatrix("initial sixxkk" + in, 1, n, 1, n, kk.sixx);
+    f.dumpMatrix("initial sitxkk" + in, 1, np, 1, n, kk.sitx);
+    f.dumpMatrix("initial sittkk" + in, 1, np, 1, np, kk.sitt);
+    f.dumpMatrix("initial xhkk" + in, 1, n, 1, 1, kk.xh);
+    f.dumpMatrix("initial thkk" + in, 1, np, 1, 1, kk.th);
   }
 
   out.xs = mat2(1, n, 0, nt);
@@ -126,19 +120,19 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
   out.thetatrue = mat2(1, np, 0, nt);
   vcolset(n, 0, s.crit.x0, out.xs);
   vcolset(np, 0, s.theta0, out.thetatrue);
-  vcolset(np, 0, thkk, out.thetas);
+  vcolset(np, 0, kk.th, out.thetas);
 
   Mat atrue = mat2(1, n, 1, n), btrue = mat2(1, n, 1, m), ctruetv = mat2(1, n, 0, nt - 1);
   RestoreA(n, m, nt, s.atrue0, s.btrue0, s.ctruetv0, atrue, btrue, ctruetv);
+  // The run's true economy; its A, B and c move with the true parameters period by period.
+  const TrueEconomy economy{n, m, nt, ny, atrue, btrue, ctruetv, s.h, terms.xsis, terms.zetas};
+  const ParameterDrift drift{np, m, nt, s.policy, s.npolicy, terms.etas};
   Mat a = mat2(1, n, 1, n), b = mat2(1, n, 1, m), cs = mat2(1, n, 0, nt - 1);
   RestoreA(n, m, nt, s.sys.a, s.sys.b, s.sys.cs, a, b, cs);
 
   Mat g = mat2(1, m, 1, n), glc = mat2(1, m, 1, 1), uk = mat2(1, m, 1, 1);
   Mat xk1 = mat2(1, n, 1, 1), y = mat2(1, ny, 1, 1);
-  Mat xhk1k = mat2(1, n, 1, 1), thk1k = mat2(1, np, 1, 1);
-  Mat sixxk1k = mat2(1, n, 1, n), sitxk1k = mat2(1, np, 1, n), sittk1k = mat2(1, np, 1, np);
-  Mat xhk1k1 = mat2(1, n, 1, 1), thk1k1 = mat2(1, np, 1, 1);
-  Mat sixxk1k1 = mat2(1, n, 1, n), sitxk1k1 = mat2(1, np, 1, n), sittk1k1 = mat2(1, np, 1, np);
+  Mat xhat = mat2(1, n, 1, 1), xk = mat2(1, n, 1, 1), ck = mat2(1, n, 1, 1);
   UncertainParameters par = s.par;
   // The scratch of the per-period re-solves and of the filter, made once for the run.
   OlfWork solveWork(n, m);
@@ -160,14 +154,14 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
     if (trace.on(SolveTopic::RunHeadings))
       trace.file().write(
           formatLabelled("\r\n\r\n%s%d", (" " + routine + " - major time loop   k = ").c_str(), k));
-    MapThetaToAbc(n, m, nt, np, s.ithn, thkk, a, b, cs, prompter, trace);
-    const Mat xhat = xhkk;
+    MapThetaToAbc(n, m, nt, np, s.ithn, kk.th, a, b, cs, prompter, trace);
+    mmov(n, 1, kk.xh, xhat);
     if (hcfr) {
       mmov(m, n, s.hcfrG, g);
       mmov(m, 1, s.hcfrg, glc);
     } else if (!forwardModel) {
       if (olfLike) {
-        mmov(np, np, sittkk, par.sitt);
+        mmov(np, np, kk.sitt, par.sitt);
         CompKpg(n, m, nt, k, a, b, cs, s.crit, par, solveWork, g, glc, trace);
       } else {
         CompKpgCe(n, m, nt, k, a, b, cs, s.crit, solveWork, g, glc, trace);
@@ -180,7 +174,7 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
                              fctx.notConverged, xsiter, usiter, trace);
       fctx.notConverged = false;
       mmovsub(1, m, 0, nt - 1, usiter, usOld);
-      if (olfLike) mmov(np, np, sittkk, par.sitt);
+      if (olfLike) mmov(np, np, kk.sitt, par.sitt);
       const FeedbackRule& projected = hcfr ? s.hcfrRule : rule;
       for (int iter = 1; iter <= fctx.iterlim; ++iter) {
         if (trace.on(SolveTopic::RunHeadings))
@@ -219,44 +213,40 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
     }
     pctx.hcfr = hcfr;
     CompUOnePeriod(n, m, g, glc, xhat, uk, pctx, trace);
-    const Mat xk = columnOf(n, k, out.xs);
+    vcolget(n, k, out.xs, xk);
     if (forwardModel) {
-      CompXOnePeriodForw(n, m, nt, ny, k, atrue, btrue, ctruetv, s.h, terms.xsis, terms.zetas,
-                         s.sys.d1, s.sys.d2, s.sys.d3, xsiter, xk, uk, xk1, y, pctx, trace);
+      CompXOnePeriodForw(economy, k, s.sys.d1, s.sys.d2, s.sys.d3, xsiter, xk, uk, xk1, y, trace);
     } else {
-      CompXOnePeriod(n, m, nt, ny, k, atrue, btrue, ctruetv, s.h, terms.xsis, terms.zetas, xk, uk,
-                     xk1, y, pctx, trace);
+      CompXOnePeriod(economy, k, xk, uk, xk1, y, pctx, trace);
     }
     pctx.hcfr = false;
     vcolset(n, k + 1, xk1, out.xs);
     vcolset(m, k, uk, out.us);
-    TrueParameterEvolution(pctx, k, n, m, nt, np, s.policy, s.ithn, out.us, uk, s.npolicy,
-                           terms.etas, out.thetatrue, atrue, btrue, ctruetv, prompter, trace);
+    TrueParameterEvolution(pctx, drift, k, n, s.ithn, uk, out.us, out.thetatrue, atrue, btrue,
+                           ctruetv, prompter, trace);
     // The filter predicts with the economy's own equation: in a forward-looking model the
     // constant of the period carries the lead terms of the expected path the economy used.
-    Mat ck = columnOf(n, k, cs);
+    vcolget(n, k, cs, ck);
     if (forwardModel) {
       ExpectedLeadTerms(n, k, s.sys.d1, s.sys.d2, s.sys.d3, xsiter, lead);
-      Mat cbase = ck;
-      madd(n, 1, cbase, lead.dxesum, ck);
+      madd(n, 1, ck, lead.dxesum, ck);
     }
-    KStep(n, m, s.l, np, a, b, ck, s.d, xhkk, thkk, uk, s.ath, s.bth, s.cth, sixxkk, sitxkk, sittkk,
-          xhk1k, thk1k, trace, &filterWork);
-    Sigk1k(n, m, s.l, np, a, ck, s.d, xhkk, uk, s.ath, s.bth, s.cth, sixxkk, sitxkk, sittkk, s.q,
-           s.gam, sixxk1k, sitxk1k, sittk1k, trace, &filterWork);
-    Sigk1k1(n, m, np, ny, y, xhk1k, thk1k, sixxk1k, sitxk1k, sittk1k, s.h, s.r, xhk1k1, thk1k1,
-            sixxk1k1, sitxk1k1, sittk1k1, trace, &filterWork);
+    const FilterSystem sys{n,   m,     s.l,   np,    ny,  a,     b,   ck,
+                           s.d, s.ath, s.bth, s.cth, s.q, s.gam, s.h, s.r};
+    KStep(sys, kk, uk, k1k, trace, &filterWork);
+    Sigk1k(sys, kk, uk, k1k, trace, &filterWork);
+    Sigk1k1(sys, y, k1k, k1k1, trace, &filterWork);
     // CEWO learns the state but never moves its parameter estimate.
-    if (method == kCeWo) mmov(np, 1, thkk, thk1k1);
+    if (method == kCeWo) mmov(np, 1, kk.th, k1k1.th);
     // OLIN knows the policy-to-parameter effect and adds it to the estimate.
     if (method == kOlIn)
-      CompPolicyParmEffect(pctx, k, np, m, nt, uk, out.us, s.npolicy, out.thetatrue, thk1k1, trace);
-    mmov(n, 1, xhk1k1, xhkk);
-    mmov(np, 1, thk1k1, thkk);
-    mmov(n, n, sixxk1k1, sixxkk);
-    mmovsub(1, np, 1, n, sitxk1k1, sitxkk);
-    mmov(np, np, sittk1k1, sittkk);
-    vcolset(np, k + 1, thkk, out.thetas);
+      CompPolicyParmEffect(pctx, drift, k, uk, out.us, out.thetatrue, k1k1.th, trace);
+    mmov(n, 1, k1k1.xh, kk.xh);
+    mmov(np, 1, k1k1.th, kk.th);
+    mmov(n, n, k1k1.sixx, kk.sixx);
+    mmovsub(1, np, 1, n, k1k1.sitx, kk.sitx);
+    mmov(np, np, k1k1.sitt, kk.sitt);
+    vcolset(np, k + 1, kk.th, out.thetas);
   }
 
   const CriterionArrays& c = s.crit;

@@ -45,12 +45,18 @@ double trace4Mixed(int n, int p, const Mat& P, const Mat& Q, const Mat& R, const
 }
 
 // The caller's scratch, or one made for this call.
-FilterWork& workFor(FilterWork* work, std::optional<FilterWork>& own, int n, int m, int np,
-                    int ny) {
-  return work != nullptr ? *work : own.emplace(n, m, np, ny);
+FilterWork& workFor(FilterWork* work, std::optional<FilterWork>& own, const FilterSystem& sys) {
+  return work != nullptr ? *work : own.emplace(sys.n, sys.m, sys.np, sys.ny);
 }
 
 }  // namespace
+
+FilterMoments::FilterMoments(int n, int np)
+    : xh(mat2(1, n, 1, 1)),
+      th(mat2(1, np, 1, 1)),
+      sixx(mat2(1, n, 1, n)),
+      sitx(mat2(1, np, 1, n)),
+      sitt(mat2(1, np, 1, np)) {}
 
 FilterWork::FilterWork(int n, int m, int np, int ny)
     : axbuc(mat2(1, n, 1, 1)),
@@ -106,12 +112,15 @@ FilterWork::FilterWork(int n, int m, int np, int ny)
 }
 
 // xhk1k = (A xhkk + B uk + c) + eaistx, eaistx_i = trace(ath_i sitxkk); thk1k = D thkk.
-void KStep(int n, int m, int l, int np, const Mat& a, const Mat& b, const Mat& c, const Mat& d,
-           const Mat& xhkk, const Mat& thkk, const Mat& uk, const Mat3& ath, const Mat3& bth,
-           const Mat3& cth, const Mat& sixxkk, const Mat& sitxkk, const Mat& sittkk, Mat& xhk1k,
-           Mat& thk1k, const SolveTrace& trace, FilterWork* work) {
+void KStep(const FilterSystem& sys, const FilterMoments& kk, const Mat& uk, FilterMoments& k1k,
+           const SolveTrace& trace, FilterWork* work) {
+  const int n = sys.n, m = sys.m, l = sys.l, np = sys.np;
+  const Mat &c = sys.c, &d = sys.d, &xhkk = kk.xh, &thkk = kk.th;
+  const Mat &sixxkk = kk.sixx, &sitxkk = kk.sitx, &sittkk = kk.sitt;
+  const Mat3 &ath = sys.ath, &bth = sys.bth, &cth = sys.cth;
+  Mat &xhk1k = k1k.xh, &thk1k = k1k.th;
   std::optional<FilterWork> own;
-  FilterWork& w = workFor(work, own, n, m, np, n);
+  FilterWork& w = workFor(work, own, sys);
   const bool steps = trace.on(SolveTopic::ProjectionMeansIntermediate);
   if (steps) {
     DebugFile& f = trace.file();
@@ -125,7 +134,7 @@ void KStep(int n, int m, int l, int np, const Mat& a, const Mat& b, const Mat& c
   }
 
   Mat& axbuc = w.axbuc;
-  CompAxBuc(n, m, a, b, c, xhkk, uk, axbuc);
+  CompAxBuc(n, m, sys.a, sys.b, c, xhkk, uk, axbuc);
 
   // E[A x] = A xhat + E[(A - Ahat)(x - xhat)]: for equation i the covariance of the uncertain
   // elements of row i of A with x, which is trace(ath_i sitxkk).
@@ -154,10 +163,12 @@ void KStep(int n, int m, int l, int np, const Mat& a, const Mat& b, const Mat& c
 }
 
 // fxt(i, :) = xhkk' ath_i + (uk' bth_i + cth_i).
-void Fxtk(int n, int m, int l, int np, const Mat3& ath, const Mat3& bth, const Mat3& cth,
-          const Mat& xhkk, const Mat& uk, Mat& fxt, const SolveTrace& trace, FilterWork* work) {
+void Fxtk(const FilterSystem& sys, const Mat& xhkk, const Mat& uk, Mat& fxt,
+          const SolveTrace& trace, FilterWork* work) {
+  const int n = sys.n, m = sys.m, l = sys.l, np = sys.np;
+  const Mat3 &ath = sys.ath, &bth = sys.bth, &cth = sys.cth;
   std::optional<FilterWork> own;
-  FilterWork& w = workFor(work, own, n, m, np, n);
+  FilterWork& w = workFor(work, own, sys);
   const bool steps = trace.on(SolveTopic::ProjectionCovariancesIntermediate);
   if (steps) {
     DebugFile& f = trace.file();
@@ -194,12 +205,15 @@ void Fxtk(int n, int m, int l, int np, const Mat3& ath, const Mat3& bth, const M
 
 // sixxk1k = (A sixx A' + A sixt fxt' + fxt sitx A' + fxt sitt fxt') + Q + eiej4,
 // sitxk1k = D sitx A' + D sitt fxt', sittk1k = D sitt D' + GAM.
-void Sk1k(int n, int m, int l, int np, const Mat& a, const Mat3& ath, const Mat& d, const Mat& fxt,
-          const Mat& sixxkk, const Mat& sitxkk, const Mat& sittkk, const Mat& q, const Mat& gam,
-          Mat& sixxk1k, Mat& sitxk1k, Mat& sittk1k, const SolveTrace& trace, FilterWork* work) {
-  (void)l;
+void Sk1k(const FilterSystem& sys, const Mat& fxt, const FilterMoments& kk, FilterMoments& k1k,
+          const SolveTrace& trace, FilterWork* work) {
+  const int n = sys.n, np = sys.np;
+  const Mat &a = sys.a, &d = sys.d, &q = sys.q, &gam = sys.gam;
+  const Mat3& ath = sys.ath;
+  const Mat &sixxkk = kk.sixx, &sitxkk = kk.sitx, &sittkk = kk.sitt;
+  Mat &sixxk1k = k1k.sixx, &sitxk1k = k1k.sitx, &sittk1k = k1k.sitt;
   std::optional<FilterWork> own;
-  FilterWork& w = workFor(work, own, n, m, np, n);
+  FilterWork& w = workFor(work, own, sys);
   Mat& bd = w.product;
   const bool steps = trace.on(SolveTopic::ProjectionCovariancesIntermediate);
   if (steps) {
@@ -298,38 +312,39 @@ void Sk1k(int n, int m, int l, int np, const Mat& a, const Mat3& ath, const Mat&
   if (finals) f.dumpMatrix("sittk1k in Sk1k", 1, np, 1, np, sittk1k);
 }
 
-void Sigk1k(int n, int m, int l, int np, const Mat& a, const Mat& c, const Mat& d, const Mat& xhkk,
-            const Mat& uk, const Mat3& ath, const Mat3& bth, const Mat3& cth, const Mat& sixxkk,
-            const Mat& sitxkk, const Mat& sittkk, const Mat& q, const Mat& gam, Mat& sixxk1k,
-            Mat& sitxk1k, Mat& sittk1k, const SolveTrace& trace, FilterWork* work) {
+void Sigk1k(const FilterSystem& sys, const FilterMoments& kk, const Mat& uk, FilterMoments& k1k,
+            const SolveTrace& trace, FilterWork* work) {
+  const int n = sys.n, np = sys.np;
   std::optional<FilterWork> own;
-  FilterWork& w = workFor(work, own, n, m, np, n);
+  FilterWork& w = workFor(work, own, sys);
   if (trace.on(SolveTopic::ProjectionCovariancesIntermediate)) {
     Mat cLocal = mat2(1, n, 1, 1);
-    mmov(n, 1, c, cLocal);
+    mmov(n, 1, sys.c, cLocal);
     DebugFile& f = trace.file();
     f.dumpColumn("c in Sigk1k", n, cLocal);
-    f.dumpColumn("xhkk in Sigk1k", n, xhkk);
-    f.dumpColumn("uk in Sigk1k", m, uk);
-    f.dumpMatrix("sixxkk in Sigk1k", 1, n, 1, n, sixxkk);
-    f.dumpMatrix("sitxkk in Sigk1k", 1, np, 1, n, sitxkk);
-    f.dumpMatrix("sittkk in Sigk1k", 1, np, 1, np, sittkk);
+    f.dumpColumn("xhkk in Sigk1k", n, kk.xh);
+    f.dumpColumn("uk in Sigk1k", sys.m, uk);
+    f.dumpMatrix("sixxkk in Sigk1k", 1, n, 1, n, kk.sixx);
+    f.dumpMatrix("sitxkk in Sigk1k", 1, np, 1, n, kk.sitx);
+    f.dumpMatrix("sittkk in Sigk1k", 1, np, 1, np, kk.sitt);
   }
-  Mat& fxt = w.fxt;
-  Fxtk(n, m, l, np, ath, bth, cth, xhkk, uk, fxt, trace, &w);
-  Sk1k(n, m, l, np, a, ath, d, fxt, sixxkk, sitxkk, sittkk, q, gam, sixxk1k, sitxk1k, sittk1k,
-       trace, &w);
+  Fxtk(sys, kk.xh, uk, w.fxt, trace, &w);
+  Sk1k(sys, w.fxt, kk, k1k, trace, &w);
 }
 
 // With s = H sixx H' + R and the gain blocks sixx H' s^-1 and sitx H' s^-1:
 // xhk1k1 = xhk1k + sixx H' s^-1 (y - H xhk1k), thk1k1 = thk1k + sitx H' s^-1 (y - H xhk1k),
 // and each covariance block loses its part explained by the observation.
-void Sigk1k1(int n, int m, int np, int ny, const Mat& y, const Mat& xhk1k, const Mat& thk1k,
-             const Mat& sixxk1k, const Mat& sitxk1k, const Mat& sittk1k, const Mat& h, const Mat& r,
-             Mat& xhk1k1, Mat& thk1k1, Mat& sixxk1k1, Mat& sitxk1k1, Mat& sittk1k1,
+void Sigk1k1(const FilterSystem& sys, const Mat& y, const FilterMoments& k1k, FilterMoments& k1k1,
              const SolveTrace& trace, FilterWork* work) {
+  const int n = sys.n, np = sys.np, ny = sys.ny;
+  const Mat &h = sys.h, &r = sys.r;
+  const Mat &xhk1k = k1k.xh, &thk1k = k1k.th;
+  const Mat &sixxk1k = k1k.sixx, &sitxk1k = k1k.sitx, &sittk1k = k1k.sitt;
+  Mat &xhk1k1 = k1k1.xh, &thk1k1 = k1k1.th;
+  Mat &sixxk1k1 = k1k1.sixx, &sitxk1k1 = k1k1.sitx, &sittk1k1 = k1k1.sitt;
   std::optional<FilterWork> own;
-  FilterWork& w = workFor(work, own, n, m, np, ny);
+  FilterWork& w = workFor(work, own, sys);
   Mat& bd = w.product;
   const bool covSteps = trace.on(SolveTopic::FilterCovariancesIntermediate);
   const bool covFinals = trace.on(SolveTopic::FilterCovariancesFinal);

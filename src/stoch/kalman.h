@@ -29,34 +29,42 @@ struct FilterWork {
   MinvWork inverse;
 };
 
-// Prediction of the means: xhk1k = (A xhkk + B uk + c) + eaistx with eaistx_i =
-// trace(ath_i sitxkk), and thk1k = D thkk.
-void KStep(int n, int m, int l, int np, const Mat& a, const Mat& b, const Mat& c, const Mat& d,
-           const Mat& xhkk, const Mat& thkk, const Mat& uk, const Mat3& ath, const Mat3& bth,
-           const Mat3& cth, const Mat& sixxkk, const Mat& sitxkk, const Mat& sittkk, Mat& xhk1k,
-           Mat& thk1k, const SolveTrace& trace, FilterWork* work = nullptr);
+// What the filter takes as given in a period: the estimated A, B and c of the period, the
+// parameter transition D, the derivatives ath, bth, cth, the noise covariances Q (states) and GAM
+// (parameters), and the measurement y = H x + noise with covariance R.
+struct FilterSystem {
+  int n, m, l, np, ny;
+  const Mat &a, &b, &c, &d;
+  const Mat3 &ath, &bth, &cth;
+  const Mat &q, &gam, &h, &r;
+};
+
+// The estimate of (x, theta) at one time: the means xh (n x 1) and th (np x 1) and the covariance
+// blocks.
+struct FilterMoments {
+  FilterMoments(int n, int np);
+  Mat xh, th, sixx, sitx, sitt;
+};
+
+// Prediction of the means (k+1|k): xh = (A xhkk + B uk + c) + eaistx with eaistx_i =
+// trace(ath_i sitxkk), and th = D thkk. Writes k1k.xh and k1k.th only.
+void KStep(const FilterSystem& sys, const FilterMoments& kk, const Mat& uk, FilterMoments& k1k,
+           const SolveTrace& trace, FilterWork* work = nullptr);
 
 // fxt (n x np): the derivative of (A x + B u + c) with respect to theta at (xhkk, uk).
-void Fxtk(int n, int m, int l, int np, const Mat3& ath, const Mat3& bth, const Mat3& cth,
-          const Mat& xhkk, const Mat& uk, Mat& fxt, const SolveTrace& trace,
-          FilterWork* work = nullptr);
+void Fxtk(const FilterSystem& sys, const Mat& xhkk, const Mat& uk, Mat& fxt,
+          const SolveTrace& trace, FilterWork* work = nullptr);
 
-// Prediction of the covariances from fxt.
-void Sk1k(int n, int m, int l, int np, const Mat& a, const Mat3& ath, const Mat& d, const Mat& fxt,
-          const Mat& sixxkk, const Mat& sitxkk, const Mat& sittkk, const Mat& q, const Mat& gam,
-          Mat& sixxk1k, Mat& sitxk1k, Mat& sittk1k, const SolveTrace& trace,
-          FilterWork* work = nullptr);
+// Prediction of the covariances (k+1|k) from fxt. Writes the covariance blocks of k1k only.
+void Sk1k(const FilterSystem& sys, const Mat& fxt, const FilterMoments& kk, FilterMoments& k1k,
+          const SolveTrace& trace, FilterWork* work = nullptr);
 
 // Fxtk then Sk1k.
-void Sigk1k(int n, int m, int l, int np, const Mat& a, const Mat& c, const Mat& d, const Mat& xhkk,
-            const Mat& uk, const Mat3& ath, const Mat3& bth, const Mat3& cth, const Mat& sixxkk,
-            const Mat& sitxkk, const Mat& sittkk, const Mat& q, const Mat& gam, Mat& sixxk1k,
-            Mat& sitxk1k, Mat& sittk1k, const SolveTrace& trace, FilterWork* work = nullptr);
+void Sigk1k(const FilterSystem& sys, const FilterMoments& kk, const Mat& uk, FilterMoments& k1k,
+            const SolveTrace& trace, FilterWork* work = nullptr);
 
 // The measurement update of means and covariances with the observation y (ny x 1).
-void Sigk1k1(int n, int m, int np, int ny, const Mat& y, const Mat& xhk1k, const Mat& thk1k,
-             const Mat& sixxk1k, const Mat& sitxk1k, const Mat& sittk1k, const Mat& h, const Mat& r,
-             Mat& xhk1k1, Mat& thk1k1, Mat& sixxk1k1, Mat& sitxk1k1, Mat& sittk1k1,
+void Sigk1k1(const FilterSystem& sys, const Mat& y, const FilterMoments& k1k, FilterMoments& k1k1,
              const SolveTrace& trace, FilterWork* work = nullptr);
 
 }  // namespace ovaro

@@ -98,10 +98,11 @@ void CompUOnePeriod(int n, int m, const Mat& g, const Mat& glc, const Mat& xk, M
 }
 
 // xk1 = ax + (bu + (ctrue + xsi)), y = H xk1 + zeta(k+1).
-void CompXOnePeriod(int n, int m, int nt, int ny, int k, const Mat& atrue, const Mat& btrue,
-                    const Mat& ctruetv, const Mat& h, const Mat& xsis, const Mat& zetas,
-                    const Mat& xk, const Mat& uk, Mat& xk1, Mat& y, const PeriodContext& ctx,
-                    const SolveTrace& trace) {
+void CompXOnePeriod(const TrueEconomy& e, int k, const Mat& xk, const Mat& uk, Mat& xk1, Mat& y,
+                    const PeriodContext& ctx, const SolveTrace& trace) {
+  const int n = e.n, m = e.m, nt = e.nt, ny = e.ny;
+  const Mat &atrue = e.atrue, &btrue = e.btrue, &ctruetv = e.ctruetv, &h = e.h;
+  const Mat &xsis = e.xsis, &zetas = e.zetas;
   Mat ax = mat2(1, n, 1, 1), bu = mat2(1, n, 1, 1), ctrue = mat2(1, n, 1, 1);
   Mat xsi = mat2(1, n, 1, 1), cxsi = mat2(1, n, 1, 1), bucxsi = mat2(1, n, 1, 1);
   mmul(n, n, 1, atrue, xk, ax);
@@ -152,12 +153,12 @@ void ExpectedLeadTerms(int n, int k, const Mat& d1, const Mat& d2, const Mat& d3
 }
 
 // xk1 = ax + (bu + ((ctrue + dxesum) + xsi)), dxesum = D1 xe(k+1) + D2 xe(k+2) + D3 xe(k+3).
-void CompXOnePeriodForw(int n, int m, int nt, int ny, int k, const Mat& atrue, const Mat& btrue,
-                        const Mat& ctruetv, const Mat& h, const Mat& xsis, const Mat& zetas,
-                        const Mat& d1, const Mat& d2, const Mat& d3, const Mat& xe, const Mat& xk,
-                        const Mat& uk, Mat& xk1, Mat& y, const PeriodContext& ctx,
+void CompXOnePeriodForw(const TrueEconomy& e, int k, const Mat& d1, const Mat& d2, const Mat& d3,
+                        const Mat& xe, const Mat& xk, const Mat& uk, Mat& xk1, Mat& y,
                         const SolveTrace& trace) {
-  (void)ctx;  // the forward form has one set of labels for every method
+  const int n = e.n, m = e.m, nt = e.nt, ny = e.ny;
+  const Mat &atrue = e.atrue, &btrue = e.btrue, &ctruetv = e.ctruetv, &h = e.h;
+  const Mat &xsis = e.xsis, &zetas = e.zetas;
   Mat ax = mat2(1, n, 1, 1), bu = mat2(1, n, 1, 1), ctrue = mat2(1, n, 1, 1);
   Mat xsi = mat2(1, n, 1, 1);
   mmul(n, n, 1, atrue, xk, ax);
@@ -202,16 +203,17 @@ void CompXOnePeriodForw(int n, int m, int nt, int ny, int k, const Mat& atrue, c
 
 // thetatrue(:, k+1) = thetak + puc thetak + eta with the policy effect, thetak + eta without.
 // The filter's transition D is deliberately not applied: the true parameters are a random walk.
-int CompThetaTrueOnePeriod(PeriodContext& ctx, int np, int m, int nt, int k, int policyToParam,
-                           const Mat& uk, const Mat& us, const Mat& npolicy, const Mat& etas,
-                           Mat& thetatrue, const SolveTrace& trace) {
+int CompThetaTrueOnePeriod(PeriodContext& ctx, const ParameterDrift& drift, int k, const Mat& uk,
+                           const Mat& us, Mat& thetatrue, const SolveTrace& trace) {
+  const int np = drift.np, m = drift.m, nt = drift.nt;
+  const Mat &npolicy = drift.npolicy, &etas = drift.etas;
   const bool steps = trace.on(SolveTopic::TrueParametersIntermediate);
   const std::string in = " in CompThetaTrueOnePeriod";
   if (steps) {
     trace.file().dumpColumn("uk" + in, m, uk);
     trace.file().dumpMatrix("us" + in, 1, m, 0, nt - 1, us);
   }
-  const bool policy = policyToParam == 1;
+  const bool policy = drift.policyToParam == 1;
   Mat ukpercent = mat2(1, m, 1, 1), plc = mat2(1, np, 1, 1), puc = mat2(1, np, 1, np);
   if (policy) {
     if (percentChange(kThetaTrueWarning, ctx, m, k, uk, us, ukpercent, trace) == 0) return 0;
@@ -249,14 +251,12 @@ int CompThetaTrueOnePeriod(PeriodContext& ctx, int np, int m, int nt, int k, int
   return trace.ok();
 }
 
-int TrueParameterEvolution(PeriodContext& ctx, int k, int n, int m, int nt, int np,
-                           int policyToParam, const IMat& ithn, const Mat& us, const Mat& uk,
-                           const Mat& npolicy, const Mat& etas, Mat& thetatrue, Mat& atrue,
-                           Mat& btrue, Mat& ctruetv, Prompter& prompter, const SolveTrace& trace) {
-  if (CompThetaTrueOnePeriod(ctx, np, m, nt, k, policyToParam, uk, us, npolicy, etas, thetatrue,
-                             trace) == 0) {
-    return 0;
-  }
+int TrueParameterEvolution(PeriodContext& ctx, const ParameterDrift& drift, int k, int n,
+                           const IMat& ithn, const Mat& uk, const Mat& us, Mat& thetatrue,
+                           Mat& atrue, Mat& btrue, Mat& ctruetv, Prompter& prompter,
+                           const SolveTrace& trace) {
+  if (CompThetaTrueOnePeriod(ctx, drift, k, uk, us, thetatrue, trace) == 0) return 0;
+  const int np = drift.np, m = drift.m, nt = drift.nt;
   // The true system of the next period is built from the parameters just drawn.
   Mat theta = mat2(1, np, 1, 1);
   vcolget(np, k + 1, thetatrue, theta);
@@ -271,9 +271,11 @@ int TrueParameterEvolution(PeriodContext& ctx, int k, int n, int m, int nt, int 
 
 // thk1k1 = thk1k1 + puc thetatrue(:, k): OLIN knows how its controls move the parameters and
 // adds that effect, taken from the true parameters, to what the filter learned.
-int CompPolicyParmEffect(PeriodContext& ctx, int k, int np, int m, int nt, const Mat& uk,
-                         const Mat& us, const Mat& npolicy, const Mat& thetatrue, Mat& thk1k1,
+int CompPolicyParmEffect(PeriodContext& ctx, const ParameterDrift& drift, int k, const Mat& uk,
+                         const Mat& us, const Mat& thetatrue, Mat& thk1k1,
                          const SolveTrace& trace) {
+  const int np = drift.np, m = drift.m, nt = drift.nt;
+  const Mat& npolicy = drift.npolicy;
   Mat estimate = mat2(1, np, 1, 1);
   mmov(np, 1, thk1k1, estimate);
   Mat ukpercent = mat2(1, m, 1, 1), plc = mat2(1, np, 1, 1), puc = mat2(1, np, 1, np);

@@ -92,6 +92,7 @@ struct TrueSystem {
   Mat zetas = mat2(1, 1, 1, 3);
   Mat xk = colMat({4.0, 1.0});
   Mat uk = colMat({0.5});
+  Mat xk1 = mat2(1, 2, 1, 1), y = mat2(1, 1, 1, 1);
   TrueSystem() {
     for (int t = 0; t <= 2; ++t) {
       ctruetv(1, t) = 10.0 * (t + 1), ctruetv(2, t) = -100.0 * (t + 1);
@@ -99,17 +100,31 @@ struct TrueSystem {
       zetas(1, t + 1) = 1000.0 * (t + 1);
     }
   }
+  TrueEconomy economy() const { return {n, m, nt, ny, atrue, btrue, ctruetv, h, xsis, zetas}; }
+  std::string step(int k, bool hcfr, std::bitset<kSolveTopicCount> on) {
+    PeriodContext ctx;
+    ctx.hcfr = hcfr;
+    return traced(
+        on, [&](const SolveTrace& t) { CompXOnePeriod(economy(), k, xk, uk, xk1, y, ctx, t); });
+  }
 };
 
 TEST(CompXOnePeriod, AdvancesTheTrueStateWithTheNoiseOfThePeriod) {
   TrueSystem s;
-  Mat xk1 = mat2(1, 2, 1, 1), y = mat2(1, 1, 1, 1);
-  CompXOnePeriod(s.n, s.m, s.nt, s.ny, 1, s.atrue, s.btrue, s.ctruetv, s.h, s.xsis, s.zetas, s.xk,
-                 s.uk, xk1, y, PeriodContext(), SolveTrace());
-  // Period 1: c and xsi from column 1, zeta from column 2.
-  EXPECT_EQ(xk1(1, 1), (2.0 + 0.25) + (0.5 + (20.0 + 0.25)));
-  EXPECT_EQ(xk1(2, 1), (-4.0 + 2.0) + (-1.0 + (-200.0 - 0.125)));
-  EXPECT_EQ(y(1, 1), xk1(1, 1) + 3.0 * xk1(2, 1) + 2000.0);
+  for (bool hcfr : {false, true}) {
+    const std::string content = s.step(1, hcfr, topics({SolveTopic::StatesControlsIntermediate}));
+    // Period 1: c and xsi from column 1, zeta from column 2.
+    EXPECT_EQ(s.xk1(1, 1), (2.0 + 0.25) + (0.5 + (20.0 + 0.25)));
+    EXPECT_EQ(s.xk1(2, 1), (-4.0 + 2.0) + (-1.0 + (-200.0 - 0.125)));
+    EXPECT_EQ(s.y(1, 1), s.xk1(1, 1) + 3.0 * s.xk1(2, 1) + 2000.0);
+    std::vector<std::string> want = expected("CompXOnePeriod");
+    for (std::string& l : want) l += hcfr ? "/HCFR" : "";
+    EXPECT_EQ(labels(content), want);
+  }
+  // Other topics leave the one-period simulation out.
+  EXPECT_EQ(
+      s.step(0, false, topics({SolveTopic::StatesControlsFinal, SolveTopic::TrueParametersFinal})),
+      "");
 }
 
 TEST(CompXOnePeriod, AddsTheConstantAndTheNoiseBeforeTheControlTermAndTheStateTerm) {
@@ -124,35 +139,9 @@ TEST(CompXOnePeriod, AddsTheConstantAndTheNoiseBeforeTheControlTermAndTheStateTe
   s.ctruetv(1, 0) = 0.5;
   s.xsis(1, 0) = 0.5;
   s.h = rows(1, 1, {1.0});
-  Mat xk1 = mat2(1, 1, 1, 1), y = mat2(1, 1, 1, 1);
-  CompXOnePeriod(1, 1, s.nt, 1, 0, s.atrue, s.btrue, s.ctruetv, s.h, s.xsis, s.zetas, s.xk, s.uk,
-                 xk1, y, PeriodContext(), SolveTrace());
-  EXPECT_EQ(xk1(1, 1), 0.0);
-  EXPECT_EQ(y(1, 1), 1000.0);
-}
-
-TEST(CompXOnePeriod, LabelsEndInTheRoutineOrItsHcfrVariant) {
-  TrueSystem s;
-  Mat xk1 = mat2(1, 2, 1, 1), y = mat2(1, 1, 1, 1);
-  for (bool hcfr : {false, true}) {
-    PeriodContext ctx;
-    ctx.hcfr = hcfr;
-    const std::string content =
-        traced(topics({SolveTopic::StatesControlsIntermediate}), [&](const SolveTrace& t) {
-          CompXOnePeriod(s.n, s.m, s.nt, s.ny, 0, s.atrue, s.btrue, s.ctruetv, s.h, s.xsis, s.zetas,
-                         s.xk, s.uk, xk1, y, ctx, t);
-        });
-    std::vector<std::string> want = expected("CompXOnePeriod");
-    for (std::string& l : want) l += hcfr ? "/HCFR" : "";
-    EXPECT_EQ(labels(content), want);
-  }
-  // Other topics leave the one-period simulation out.
-  EXPECT_EQ(traced(topics({SolveTopic::StatesControlsFinal, SolveTopic::TrueParametersFinal}),
-                   [&](const SolveTrace& t) {
-                     CompXOnePeriod(s.n, s.m, s.nt, s.ny, 0, s.atrue, s.btrue, s.ctruetv, s.h,
-                                    s.xsis, s.zetas, s.xk, s.uk, xk1, y, PeriodContext(), t);
-                   }),
-            "");
+  s.step(0, false, topics({}));
+  EXPECT_EQ(s.xk1(1, 1), 0.0);
+  EXPECT_EQ(s.y(1, 1), 1000.0);
 }
 
 TEST(CompXOnePeriodForw, AddsTheExpectedLeadStates) {
@@ -162,17 +151,14 @@ TEST(CompXOnePeriodForw, AddsTheExpectedLeadStates) {
   Mat d3 = rows(2, 2, {0.0, 4.0, 0.0, 0.0});
   Mat xe = mat2(1, 2, 0, 6);
   for (int t = 0; t <= 6; ++t) xe(1, t) = t, xe(2, t) = 0.5 * t;
-  Mat xk1 = mat2(1, 2, 1, 1), y = mat2(1, 1, 1, 1);
-  const int k = 1;
   const std::string content =
       traced(topics({SolveTopic::StatesControlsIntermediate}), [&](const SolveTrace& t) {
-        CompXOnePeriodForw(s.n, s.m, s.nt, s.ny, k, s.atrue, s.btrue, s.ctruetv, s.h, s.xsis,
-                           s.zetas, d1, d2, d3, xe, s.xk, s.uk, xk1, y, PeriodContext(), t);
+        CompXOnePeriodForw(s.economy(), 1, d1, d2, d3, xe, s.xk, s.uk, s.xk1, s.y, t);
       });
   // dxesum = D1 xe(2) + D2 xe(3) + D3 xe(4) = (2 + 0 + 4 * 2, 0 + 2 * 1.5 + 0) = (10, 3).
-  EXPECT_EQ(xk1(1, 1), 2.25 + (0.5 + ((20.0 + 10.0) + 0.25)));
-  EXPECT_EQ(xk1(2, 1), -2.0 + (-1.0 + ((-200.0 + 3.0) - 0.125)));
-  EXPECT_EQ(y(1, 1), xk1(1, 1) + 3.0 * xk1(2, 1) + 2000.0);
+  EXPECT_EQ(s.xk1(1, 1), 2.25 + (0.5 + ((20.0 + 10.0) + 0.25)));
+  EXPECT_EQ(s.xk1(2, 1), -2.0 + (-1.0 + ((-200.0 + 3.0) - 0.125)));
+  EXPECT_EQ(s.y(1, 1), s.xk1(1, 1) + 3.0 * s.xk1(2, 1) + 2000.0);
   EXPECT_EQ(labels(content), expected("CompXOnePeriodForw"));
 }
 
@@ -184,6 +170,7 @@ struct ParameterPath {
   Mat us = mat2(1, 2, 0, 2);
   Mat uk = colMat({3.0, 1.5});
   Mat npolicy = rows(2, 2, {1.0, 0.5, 0.0, 2.0});
+  ParameterDrift drift(int effect = 1) const { return {np, m, nt, effect, npolicy, etas}; }
   ParameterPath() {
     thetatrue(1, 0) = 0.8, thetatrue(2, 0) = -0.4;
     thetatrue(1, 1) = 0.6, thetatrue(2, 1) = 1.2;
@@ -228,9 +215,7 @@ TEST(CompThetaTrueOnePeriod, StepsTheTrueParametersWithTheirWarningAndLabels) {
     ctx.run = c.run;
     ctx.method = "OLF";
     const std::string content = traced(c.on, [&](const SolveTrace& t) {
-      EXPECT_EQ(CompThetaTrueOnePeriod(ctx, p.np, p.m, p.nt, c.k, c.effect, p.uk, p.us, p.npolicy,
-                                       p.etas, p.thetatrue, t),
-                1);
+      EXPECT_EQ(CompThetaTrueOnePeriod(ctx, p.drift(c.effect), c.k, p.uk, p.us, p.thetatrue, t), 1);
     });
     EXPECT_EQ(p.thetatrue(1, c.k + 1), c.theta1);
     EXPECT_EQ(p.thetatrue(2, c.k + 1), c.theta2);
@@ -250,8 +235,7 @@ TEST(CompThetaTrueOnePeriod, StepsTheTrueParametersWithTheirWarningAndLabels) {
     ParameterPath q;
     q.us(1, 0) = previous;
     PeriodContext c;
-    CompThetaTrueOnePeriod(c, q.np, q.m, q.nt, 1, 1, q.uk, q.us, q.npolicy, q.etas, q.thetatrue,
-                           SolveTrace());
+    CompThetaTrueOnePeriod(c, q.drift(), 1, q.uk, q.us, q.thetatrue, SolveTrace());
     EXPECT_EQ(c.divisionWarning, previous != 1e-9) << previous;
   }
 }
@@ -262,8 +246,8 @@ TEST(CompThetaTrueOnePeriod, FailedWarningWriteStopsTheRoutine) {
   DebugFile file;
   ASSERT_TRUE(file.open("/dev/full"));
   PeriodContext ctx;
-  EXPECT_EQ(CompThetaTrueOnePeriod(ctx, p.np, p.m, p.nt, 1, 1, p.uk, p.us, p.npolicy, p.etas,
-                                   p.thetatrue, SolveTrace(&file, topics({}))),
+  EXPECT_EQ(CompThetaTrueOnePeriod(ctx, p.drift(), 1, p.uk, p.us, p.thetatrue,
+                                   SolveTrace(&file, topics({}))),
             0);
   EXPECT_EQ(p.thetatrue(1, 2), 0.0);
 }
@@ -283,8 +267,8 @@ TEST(TrueParameterEvolution, RebuildsTheTrueSystemFromTheNewParameters) {
   RecordingPrompter prompter;
   const std::string content =
       traced(topics({SolveTopic::TrueParametersFinal}), [&](const SolveTrace& t) {
-        EXPECT_EQ(TrueParameterEvolution(ctx, 0, n, p.m, p.nt, p.np, 0, ithn, p.us, p.uk, p.npolicy,
-                                         p.etas, p.thetatrue, atrue, btrue, ctruetv, prompter, t),
+        EXPECT_EQ(TrueParameterEvolution(ctx, p.drift(0), 0, n, ithn, p.uk, p.us, p.thetatrue,
+                                         atrue, btrue, ctruetv, prompter, t),
                   1);
       });
   const double theta1 = 0.8 + 0.01, theta2 = -0.4 - 0.02;
@@ -300,46 +284,39 @@ TEST(TrueParameterEvolution, RebuildsTheTrueSystemFromTheNewParameters) {
   EXPECT_EQ(labels(content), expected("TrueParameterEvolution"));
 }
 
+// OLIN adds the known effect of its controls, applied to the true parameters, to its estimate:
+// plc = (-0.75, -5) as above on thetatrue(:, 1) = (0.6, 1.2); a zero previous control gives
+// ukpercent 99999 and plc(1) = 99999 - 1.25, with this routine's own warning.
 TEST(CompPolicyParmEffect, AddsTheKnownEffectOfTheTrueParametersToTheEstimate) {
-  ParameterPath p;
-  Mat thk1k1 = colMat({0.3, -0.7});
-  PeriodContext ctx;
-  const std::string content =
-      traced(topics({SolveTopic::TrueParametersIntermediate, SolveTopic::TrueParametersFinal}),
-             [&](const SolveTrace& t) {
-               EXPECT_EQ(CompPolicyParmEffect(ctx, 1, p.np, p.m, p.nt, p.uk, p.us, p.npolicy,
-                                              p.thetatrue, thk1k1, t),
-                         1);
-             });
-  // plc = (-0.75, -5) as above, applied to thetatrue(:, 1) = (0.6, 1.2).
-  EXPECT_EQ(thk1k1(1, 1), 0.3 + -0.75 * 0.6);
-  EXPECT_EQ(thk1k1(2, 1), -0.7 + -5.0 * 1.2);
-  EXPECT_EQ(labels(content), expected("CompPolicyParmEffect"));
-
-  // Period 0: nothing to add.
-  Mat start = colMat({0.3, -0.7});
-  CompPolicyParmEffect(ctx, 0, p.np, p.m, p.nt, p.uk, p.us, p.npolicy, p.thetatrue, start,
-                       SolveTrace());
-  EXPECT_EQ(start(1, 1), 0.3);
-  EXPECT_EQ(start(2, 1), -0.7);
-}
-
-TEST(CompPolicyParmEffect, WritesItsOwnWarnings) {
-  for (int run : {0, 4}) {
+  struct Case {
+    int k, run;
+    bool zeroControl;
+    double plc1;  // plc2 is -5 whenever k = 1
+    std::bitset<kSolveTopicCount> on;
+  };
+  using T = SolveTopic;
+  for (const Case& c :
+       {Case{1, 0, false, -0.75, topics({T::TrueParametersIntermediate, T::TrueParametersFinal})},
+        Case{0, 0, false, 0.0, topics({})}, Case{1, 0, true, 99997.75, topics({})},
+        Case{1, 4, true, 99997.75, topics({})}}) {
+    SCOPED_TRACE(::testing::Message() << "k " << c.k << " run " << c.run);
     ParameterPath p;
-    p.us(1, 0) = 0.0;
+    if (c.zeroControl) p.us(1, 0) = 0.0;
     Mat thk1k1 = colMat({0.3, -0.7});
     PeriodContext ctx;
-    ctx.run = run;
+    ctx.run = c.run;
     ctx.method = "OLIN";
-    const std::string content = traced(topics({}), [&](const SolveTrace& t) {
-      CompPolicyParmEffect(ctx, 1, p.np, p.m, p.nt, p.uk, p.us, p.npolicy, p.thetatrue, thk1k1, t);
+    const std::string content = traced(c.on, [&](const SolveTrace& t) {
+      EXPECT_EQ(CompPolicyParmEffect(ctx, p.drift(), c.k, p.uk, p.us, p.thetatrue, thk1k1, t), 1);
     });
-    EXPECT_TRUE(ctx.divisionWarning);
-    EXPECT_EQ(content, warning(run == 0 ? 2 : 3));
-    // ukpercent = (99999, -2.5): plc = (99999 - 1.25, -5).
-    EXPECT_EQ(thk1k1(1, 1), 0.3 + 99997.75 * 0.6);
-    EXPECT_EQ(thk1k1(2, 1), -0.7 + -5.0 * 1.2);
+    EXPECT_EQ(thk1k1(1, 1), c.k == 0 ? 0.3 : 0.3 + c.plc1 * 0.6);
+    EXPECT_EQ(thk1k1(2, 1), c.k == 0 ? -0.7 : -0.7 + -5.0 * 1.2);
+    EXPECT_EQ(ctx.divisionWarning, c.zeroControl);
+    if (c.zeroControl) {
+      EXPECT_EQ(content, warning(c.run == 0 ? 2 : 3));
+    } else if (c.on.any()) {
+      EXPECT_EQ(labels(content), expected("CompPolicyParmEffect"));
+    }
   }
 }
 
