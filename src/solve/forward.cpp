@@ -180,28 +180,28 @@ int InitializeXsiterUsiter(int t0, int n, int m, int nt, int maxLead, const Mat&
   return trace.ok();
 }
 
-void CompXForw(int n, int m, int nt, int ny, int t, const Mat& a, const Mat& b, const Mat& cs,
-               const Mat& d1, const Mat& d2, const Mat& d3, const Mat& xsiter, const Mat& h,
-               const Mat& x, const Mat& u, Mat& xnext, Mat& y) {
-  (void)nt;
+void CompXForw(const ProjectionSystem& sys, int t, const Mat& xsiter, const Mat& x, const Mat& u,
+               Mat& xnext, Mat& y) {
+  const int n = sys.n, m = sys.m;
+  const Mat &a = sys.a, &b = sys.b, &cs = sys.cs;
   Mat ax = mat2(1, n, 1, 1), bu = mat2(1, n, 1, 1);
   Mat dx1 = mat2(1, n, 1, 1), dx2 = mat2(1, n, 1, 1), dx3 = mat2(1, n, 1, 1);
   mmul(n, n, 1, a, x, ax);
   mmul(n, m, 1, b, u, bu);
-  leadTerm(n, d1, xsiter, t + 1, dx1);
-  leadTerm(n, d2, xsiter, t + 2, dx2);
-  leadTerm(n, d3, xsiter, t + 3, dx3);
+  leadTerm(n, sys.d1, xsiter, t + 1, dx1);
+  leadTerm(n, sys.d2, xsiter, t + 2, dx2);
+  leadTerm(n, sys.d3, xsiter, t + 3, dx3);
   for (int i = 1; i <= n; ++i) {
     const double leads = (dx1(i, 1) + dx2(i, 1)) + dx3(i, 1);
     xnext(i, 1) = ax(i, 1) + (bu(i, 1) + (cs(i, t) + leads));
   }
-  mmul(ny, n, 1, h, xnext, y);
+  mmul(sys.ny, n, 1, sys.h, xnext, y);
 }
 
-int ProjectionForwVar(int iteration, int iterlim, int t0, int n, int m, int nt, int ny,
-                      const Mat& a, const Mat& b, const Mat& cs, const Mat& d1, const Mat& d2,
-                      const Mat& d3, const Mat& h, const FeedbackRule& rule, const Mat& x0,
-                      Mat& xsiter, Mat& usiter, Mat& csOut, const SolveTrace& trace) {
+int ProjectionForwVar(int iteration, int iterlim, int t0, const ProjectionSystem& sys,
+                      const FeedbackRule& rule, const Mat& x0, Mat& xsiter, Mat& usiter, Mat& csOut,
+                      const SolveTrace& trace) {
+  const int n = sys.n, m = sys.m, nt = sys.nt, ny = sys.ny;
   const bool traced = trace.on(SolveTopic::ForwardVariables);
   Mat x = mat2(1, n, 1, 1), u = mat2(1, m, 1, 1), xnext = mat2(1, n, 1, 1), y = mat2(1, ny, 1, 1);
   mmov(n, 1, x0, x);
@@ -209,7 +209,7 @@ int ProjectionForwVar(int iteration, int iterlim, int t0, int n, int m, int nt, 
   for (int t = t0; t <= nt - 1; ++t) {
     compu(n, m, nt, t, rule, x, u, trace);
     if (traced) trace.file().dumpMatrix("ukk in ProjectionForwVar", 1, m, 1, 1, u);
-    CompXForw(n, m, nt, ny, t, a, b, cs, d1, d2, d3, xsiter, h, x, u, xnext, y);
+    CompXForw(sys, t, xsiter, x, u, xnext, y);
     if (traced) trace.file().dumpMatrix("xkk1 in ProjectionForwVar", 1, n, 1, 1, xnext);
     mmov(n, 1, xnext, x);
     vcolset(n, t + 1, x, xsiter);
@@ -226,7 +226,7 @@ int ProjectionForwVar(int iteration, int iterlim, int t0, int n, int m, int nt, 
     trace.file().dumpMatrix("usiter in ProjectionForwVar - last two iterations", 1, m, t0, nt - 1,
                             usiter);
   }
-  mmovsub(1, n, 0, nt - 1, cs, csOut);
+  mmovsub(1, n, 0, nt - 1, sys.cs, csOut);
   return trace.ok();
 }
 

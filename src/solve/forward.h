@@ -61,19 +61,25 @@ int InitializeXsiterUsiter(int t0, int n, int m, int nt, int maxLead, const Mat&
                            const Mat& us, const Mat& xsiterStore, bool notConverged, Mat& xsiter,
                            Mat& usiter, const SolveTrace& trace);
 
+// The economy a stochastic method projects in its forward-variable iteration: the period's
+// estimated A and B, the constants cs (n x 0..nt-1), the lead coefficients and the measurement
+// matrix H (ny x n).
+struct ProjectionSystem {
+  int n, m, nt, ny;
+  const Mat &a, &b, &cs, &d1, &d2, &d3, &h;
+};
+
 // One iteration of a stochastic method at period t0: applies the rule from the state estimate x
 // to the end of the horizon with the lead terms taken from xsiter, and records the path in
 // xsiter and usiter. csOut receives the constant terms used. `iterlim` chooses which dumps the
 // "last two iterations" option shows.
-int ProjectionForwVar(int iteration, int iterlim, int t0, int n, int m, int nt, int ny,
-                      const Mat& a, const Mat& b, const Mat& cs, const Mat& d1, const Mat& d2,
-                      const Mat& d3, const Mat& h, const FeedbackRule& rule, const Mat& x,
-                      Mat& xsiter, Mat& usiter, Mat& csOut, const SolveTrace& trace);
+int ProjectionForwVar(int iteration, int iterlim, int t0, const ProjectionSystem& sys,
+                      const FeedbackRule& rule, const Mat& x, Mat& xsiter, Mat& usiter, Mat& csOut,
+                      const SolveTrace& trace);
 
 // x next = A x + (B u + (c(t) + (D1 xsiter(t+1) + D2 xsiter(t+2) + D3 xsiter(t+3)))),
 // y = H x next.
-void CompXForw(int n, int m, int nt, int ny, int t, const Mat& a, const Mat& b, const Mat& cs,
-               const Mat& d1, const Mat& d2, const Mat& d3, const Mat& xsiter, const Mat& h,
-               const Mat& x, const Mat& u, Mat& xnext, Mat& y);
+void CompXForw(const ProjectionSystem& sys, int t, const Mat& xsiter, const Mat& x, const Mat& u,
+               Mat& xnext, Mat& y);
 
 }  // namespace ovaro

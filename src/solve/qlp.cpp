@@ -331,8 +331,7 @@ int pathsAndCriterion(const SystemArrays& sys, const CriterionArrays& crit,
     trace.file().dumpMatrix("xs", 1, n, 0, xs.chi(), xs);
     trace.file().dumpMatrix("us", 1, m, 0, nt - 1, us);
   }
-  criterion = sumc(crit.tracking, n, m, nt, crit.ws, crit.wlcs, crit.f, crit.lams, crit.lamlcs,
-                   crit.xtws, crit.utws, xs, us, trace);
+  criterion = sumc(n, m, nt, crit, xs, us, trace);
   if (trace.on(SolveTopic::CriterionValue)) trace.file().dumpScalar("criterion", criterion);
   return trace.ok();
 }
@@ -566,9 +565,10 @@ int forwardPass(const SystemArrays& sys, const Mat& x0, const FeedbackRule& rule
 // ---------------------------------------------------------------------------------------------
 // The criterion
 
-double sumc(int tracking, int n, int m, int nt, const Mat& ws, const Mat& wlcs, const Mat& f,
-            const Mat& lams, const Mat& lamlcs, const Mat& xtws, const Mat& utws, const Mat& xs,
-            const Mat& us, const SolveTrace& trace) {
+double sumc(int n, int m, int nt, const CriterionArrays& crit, const Mat& xs, const Mat& us,
+            const SolveTrace& trace) {
+  const Mat &ws = crit.ws, &wlcs = crit.wlcs, &f = crit.f, &lams = crit.lams;
+  const Mat &lamlcs = crit.lamlcs, &xtws = crit.xtws, &utws = crit.utws;
   double sum = 0.0;
   for (int t = 0; t <= nt; ++t) {
     for (int i = 1; i <= n; ++i) sum += ((0.5 * ws(i, t)) * xs(i, t)) * xs(i, t);
@@ -583,7 +583,7 @@ double sumc(int tracking, int n, int m, int nt, const Mat& ws, const Mat& wlcs, 
       for (int j = 1; j <= m; ++j) sum += lamlcs(j, t) * us(j, t);
     }
   }
-  if (tracking == 1) {
+  if (crit.tracking == 1) {
     for (int t = 0; t <= nt; ++t) {
       for (int i = 1; i <= n; ++i) sum += ((0.5 * ws(i, t)) * xtws(i, t)) * xtws(i, t);
       if (t < nt)
@@ -594,8 +594,9 @@ double sumc(int tracking, int n, int m, int nt, const Mat& ws, const Mat& wlcs, 
   return sum;
 }
 
-double SumTracking(int n, int m, int nt, const Mat& ws, const Mat& lams, const Mat& xtws,
-                   const Mat& utws, const Mat& xs, const Mat& us, const SolveTrace& trace) {
+double SumTracking(int n, int m, int nt, const CriterionArrays& crit, const Mat& xs, const Mat& us,
+                   const SolveTrace& trace) {
+  const Mat &ws = crit.ws, &lams = crit.lams, &xtws = crit.xtws, &utws = crit.utws;
   const bool traced = trace.on(SolveTopic::CriterionValue);
   Mat dx = mat2(1, n, 1, 1);
   Mat du = mat2(1, m, 1, 1);
@@ -636,6 +637,12 @@ double SumTracking(int n, int m, int nt, const Mat& ws, const Mat& lams, const M
   }
   if (traced) trace.file().dumpScalar("sum in SumTracking at bottom", sum);
   return sum;
+}
+
+double realisedCriterion(int n, int m, int nt, const CriterionArrays& crit, const Mat& xs,
+                         const Mat& us) {
+  return crit.tracking == 1 ? SumTracking(n, m, nt, crit, xs, us, SolveTrace())
+                            : sumc(n, m, nt, crit, xs, us, SolveTrace());
 }
 
 // ---------------------------------------------------------------------------------------------

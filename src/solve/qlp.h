@@ -132,12 +132,15 @@ int pathsAndCriterion(const SystemArrays& sys, const CriterionArrays& crit,
                       const SolveTrace& trace);
 
 // The criterion in the order the solves have always summed it (see the definition).
-double sumc(int tracking, int n, int m, int nt, const Mat& ws, const Mat& wlcs, const Mat& f,
-            const Mat& lams, const Mat& lamlcs, const Mat& xtws, const Mat& utws, const Mat& xs,
-            const Mat& us, const SolveTrace& trace);
+double sumc(int n, int m, int nt, const CriterionArrays& crit, const Mat& xs, const Mat& us,
+            const SolveTrace& trace);
 // The tracking criterion of a realised path, each period's part summed first.
-double SumTracking(int n, int m, int nt, const Mat& ws, const Mat& lams, const Mat& xtws,
-                   const Mat& utws, const Mat& xs, const Mat& us, const SolveTrace& trace);
+double SumTracking(int n, int m, int nt, const CriterionArrays& crit, const Mat& xs, const Mat& us,
+                   const SolveTrace& trace);
+// The criterion of a path a Monte Carlo run realised: SumTracking for a tracking criterion,
+// otherwise sumc.
+double realisedCriterion(int n, int m, int nt, const CriterionArrays& crit, const Mat& xs,
+                         const Mat& us);
 
 // The per-period re-solve of the certainty-equivalence methods: the recursion from the terminal
 // values down to period k with the current estimates a, b, cs and the criterion's weights,

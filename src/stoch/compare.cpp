@@ -129,6 +129,8 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
   const ParameterDrift drift{np, m, nt, s.policy, s.npolicy, terms.etas};
   Mat a = mat2(1, n, 1, n), b = mat2(1, n, 1, m), cs = mat2(1, n, 0, nt - 1);
   RestoreA(n, m, nt, s.sys.a, s.sys.b, s.sys.cs, a, b, cs);
+  // What the forward-variable iteration projects: the run's estimates of A, B and c.
+  const ProjectionSystem projection{n, m, nt, ny, a, b, cs, s.sys.d1, s.sys.d2, s.sys.d3, s.h};
 
   Mat g = mat2(1, m, 1, n), glc = mat2(1, m, 1, 1), uk = mat2(1, m, 1, 1);
   Mat xk1 = mat2(1, n, 1, 1), y = mat2(1, ny, 1, 1);
@@ -197,8 +199,8 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
                                     nt - 1, rule.glcs);
           }
         }
-        ProjectionForwVar(iter, fctx.iterlim, k, n, m, nt, ny, a, b, cs, s.sys.d1, s.sys.d2,
-                          s.sys.d3, s.h, projected, xhat, xsiter, usiter, csUsed, trace);
+        ProjectionForwVar(iter, fctx.iterlim, k, projection, projected, xhat, xsiter, usiter,
+                          csUsed, trace);
         double eps = 0.0;
         CheckConvergence(run, iter, k, m, nt, usiter, usOld, eps, fctx, trace);
         if (iter >= 2 && eps <= fctx.tolerance) break;
@@ -249,11 +251,7 @@ int runMethod(int method, int run, const CompareSetup& s, const RandomTerms& ter
     vcolset(np, k + 1, kk.th, out.thetas);
   }
 
-  const CriterionArrays& c = s.crit;
-  out.criterion = c.tracking == 1 ? SumTracking(n, m, nt, c.ws, c.lams, c.xtws, c.utws, out.xs,
-                                                out.us, SolveTrace())
-                                  : sumc(0, n, m, nt, c.ws, c.wlcs, c.f, c.lams, c.lamlcs, c.xtws,
-                                         c.utws, out.xs, out.us, SolveTrace());
+  out.criterion = realisedCriterion(n, m, nt, s.crit, out.xs, out.us);
   if (trace.on(SolveTopic::StatesControlsFinal)) {
     DebugFile& f = trace.file();
     f.dumpScalar("criterion" + in, out.criterion);

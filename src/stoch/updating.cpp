@@ -114,11 +114,7 @@ UpdatingResult maincompareWoUpdating(const Model& model, const UpdatingSettings&
     }
     if (trace.on(SolveTopic::RunHeadings))
       trace.file().write("\r\n\r\n Criterion values in HCFR case ");
-    const double c = crit.tracking == 1
-                         ? SumTracking(n, m, nt, crit.ws, crit.lams, crit.xtws, crit.utws,
-                                       result.xs, result.us, SolveTrace())
-                         : sumc(0, n, m, nt, crit.ws, crit.wlcs, crit.f, crit.lams, crit.lamlcs,
-                                crit.xtws, crit.utws, result.xs, result.us, SolveTrace());
+    const double c = realisedCriterion(n, m, nt, crit, result.xs, result.us);
     if (trace.on(SolveTopic::StatesControlsFinal))
       trace.file().dumpScalar("criterion in SolveStochWoUpHcfrCrit", c);
     if (nmc < 2) {

@@ -166,10 +166,8 @@ TEST(QlpSolve, TrackingCriterionSumsAgreeAndTheRuleReproducesThePath) {
   ASSERT_EQ(riccati(sys, crit, rule, SolveTrace()), 1);
   Mat xs = mat2(1, sys.n, 0, sys.nt), us = mat2(1, sys.m, 0, sys.nt - 1);
   ASSERT_EQ(forwardPass(sys, crit.x0, rule, xs, us, SolveTrace()), 1);
-  const double a = sumc(crit.tracking, sys.n, sys.m, sys.nt, crit.ws, crit.wlcs, crit.f, crit.lams,
-                        crit.lamlcs, crit.xtws, crit.utws, xs, us, SolveTrace());
-  const double b = SumTracking(sys.n, sys.m, sys.nt, crit.ws, crit.lams, crit.xtws, crit.utws, xs,
-                               us, SolveTrace());
+  const double a = sumc(sys.n, sys.m, sys.nt, crit, xs, us, SolveTrace());
+  const double b = SumTracking(sys.n, sys.m, sys.nt, crit, xs, us, SolveTrace());
   expectClose(a, b, 1e-12, "sumc vs SumTracking");
   for (int per = 0; per < sys.nt; ++per) {
     Mat g = mat2(1, sys.m, 1, sys.n), glc = mat2(1, sys.m, 1, 1);
