@@ -1,12 +1,13 @@
-// The random terms: the generators against integer arithmetic done here, the Cholesky factor
-// against L L' = a, the order in which a run consumes the stream, the read-in source, the
-// messages and the debug labels (tests/data/random_terms.txt). MonteCarloTheta has no caller
-// and no test.
+// The random terms: both generators against their recurrences done here in wide integers, the
+// Cholesky factor against L L' = a, draws against the covariance they come from, the order in
+// which a run consumes the stream, the read-in source, the messages and the debug labels
+// (tests/data/random_terms.txt). MonteCarloTheta has no caller and no test.
 #include "stoch/random_terms.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <bitset>
 #include <cmath>
 #include <cstdint>
@@ -82,17 +83,13 @@ TEST(StandardNormal, PolarPairsWithTheSecondCachedWithoutTouchingTheSeed) {
   int rejected = 0;
   for (int pair = 0; pair < 500; ++pair) {
     double a = 0.0, b = 0.0, rsq = 0.0;
-    for (;;) {
+    do {
       const double u1 = referenceStep(s);
-      s = static_cast<float>(u1);
-      const double u2 = referenceStep(s);
+      const double u2 = referenceStep(static_cast<float>(u1));
       s = static_cast<float>(u2);
-      a = 2.0 * u1 - 1.0;
-      b = 2.0 * u2 - 1.0;
-      rsq = a * a + b * b;
-      if (rsq < 1.0) break;
-      ++rejected;
-    }
+      a = 2.0 * u1 - 1.0, b = 2.0 * u2 - 1.0, rsq = a * a + b * b;
+      rejected += rsq >= 1.0;
+    } while (rsq >= 1.0);
     const double fac = std::sqrt(-2.0 * std::log(rsq) / rsq);
     ASSERT_EQ(standardNormal(st), b * fac) << "pair " << pair;
     ASSERT_EQ(standardNormal(st), a * fac) << "pair " << pair;
@@ -101,34 +98,72 @@ TEST(StandardNormal, PolarPairsWithTheSecondCachedWithoutTouchingTheSeed) {
   EXPECT_GT(rejected, 0) << "the rejection branch was never taken";
 }
 
+// The shuffle generator as described: a 15-bit integer generator (state x 214013 + 2531011
+// modulo 2^32, bits 16..30), 98 values discarded, a table of 98, and y.
+struct ReferenceRan0 {
+  std::uint64_t state = 0;
+  std::vector<double> table = std::vector<double>(99, 0.0);
+  double y = -1.0;
+  double nextInt() {
+    state = (state * 214013 + 2531011) % 4294967296ULL;
+    return static_cast<double>((state / 65536) % 32768);
+  }
+  double draw(int seed) {
+    if (seed < 0 || y < 0.0) {
+      state = static_cast<std::uint64_t>(seed + 4294967296LL) % 4294967296ULL;
+      for (int i = 0; i < 98; ++i) nextInt();
+      for (int j = 1; j <= 98; ++j) table[static_cast<std::size_t>(j)] = nextInt();
+      y = nextInt();
+    }
+    const auto j = static_cast<std::size_t>(98.0 * y / 32768.0 + 1.0);
+    y = table[j];
+    table[j] = nextInt();
+    return y / 32768.0;
+  }
+};
+
+TEST(Ran0, MatchesTheShuffleGeneratorAndReseedsOnANegativeSeed) {
+  RecordingPrompter p;
+  RandomState st;
+  ReferenceRan0 ref;
+  for (int i = 0; i < 1000; ++i) ASSERT_EQ(ran0(st, 27, p), ref.draw(27)) << i;
+  // A negative seed fills the table afresh on every call; a positive one continues.
+  const double first = ran0(st, -7, p);
+  EXPECT_EQ(ran0(st, -7, p), first);
+  ReferenceRan0 neg;
+  EXPECT_EQ(first, neg.draw(-7));
+  EXPECT_EQ(ran0(st, 5, p), neg.draw(5));
+  EXPECT_TRUE(p.messages().empty());
+  st.y = 40000.0;  // only a damaged state gives an index beyond 98
+  st.table[98] = 123.0;
+  EXPECT_EQ(ran0(st, 1, p), 123.0 / 32768.0);
+  EXPECT_EQ(testing::shown(p), std::vector<std::string>{"ran0: Error in ran0."});
+}
+
 TEST(Cholesky, RandomSpdMatricesFactorAndAreRestored) {
   std::mt19937 gen(20240611u);
   std::uniform_real_distribution<double> dist(-1.0, 1.0);
   RecordingPrompter p;
   for (int k = 1; k <= 8; ++k) {
-    Mat b = mat2(1, k, 1, k), a = mat2(1, k, 1, k), original = mat2(1, k, 1, k);
+    Mat b = mat2(1, k, 1, k), a = mat2(1, k, 1, k);
     for (int i = 1; i <= k; ++i)
       for (int j = 1; j <= k; ++j) b(i, j) = dist(gen);
     for (int i = 1; i <= k; ++i)
       for (int j = 1; j <= k; ++j) {
-        double s = i == j ? 0.1 : 0.0;
-        for (int q = 1; q <= k; ++q) s += b(i, q) * b(j, q);
-        a(i, j) = original(i, j) = s;
+        a(i, j) = i == j ? 0.1 : 0.0;
+        for (int q = 1; q <= k; ++q) a(i, j) += b(i, q) * b(j, q);
       }
+    const Mat original = a;
     Mat l = testing::filledMat(1, k, 1, k, 7.0);
     Cholesky(k, a, l, kEps, p, SolveTrace());
-    for (int i = 1; i <= k; ++i) {
-      EXPECT_GT(l(i, i), 0.0);
+    for (int i = 1; i <= k; ++i)
       for (int j = 1; j <= k; ++j) {
         EXPECT_EQ(a(i, j), original(i, j)) << "a not restored at " << i << "," << j;
-        if (j > i) {
-          EXPECT_EQ(l(i, j), 0.0);
-        }
+        EXPECT_TRUE(j < i || l(i, j) == 0.0 || (j == i && l(i, i) > 0.0)) << i << "," << j;
         double llt = 0.0;
         for (int q = 1; q <= k; ++q) llt += l(i, q) * l(j, q);
         EXPECT_NEAR(llt, original(i, j), 1e-12 * k) << "k=" << k << " " << i << "," << j;
       }
-    }
   }
   EXPECT_TRUE(p.messages().empty());
 }
@@ -144,56 +179,61 @@ TEST(Cholesky, FailuresGiveTheirMessageAZeroFactorAndLeaveAUnchanged) {
       {rowsMat({{nan, 0}, {0, 1}}), first},
       // sqrt(4) = 2, a21 = 3, d = 5 - 9 < 0: a would be left half factored without the restore.
       {rowsMat({{4, 6}, {6, 5}}), diagonal},
-      {rowsMat({{1, 0, 0}, {0, kEps / 2, 0}, {0, 0, 1}}), diagonal}};
+      {rowsMat({{1, 0, 0}, {0, kEps / 2, 0}, {0, 0, 1}}), diagonal},
+      // Exactly epsilon is enough, on the first element and later on the diagonal alike.
+      {rowsMat({{kEps, 0}, {0, 1}}), ""},
+      {rowsMat({{1, 0}, {0, kEps}}), ""}};
   for (const auto& [input, text] : cases) {
     RecordingPrompter p;
     Mat a = input;
     const int k = a.rows();
     Mat l = testing::filledMat(1, k, 1, k, 5.0);
     Cholesky(k, a, l, kEps, p, SolveTrace());
-    EXPECT_EQ(testing::shown(p), std::vector<std::string>{"Cholesky: " + text});
-    EXPECT_TRUE(allEqual(l, 0.0));
+    EXPECT_EQ(testing::shown(p).size(), text.empty() ? 0u : 1u);
+    if (!text.empty()) {
+      EXPECT_EQ(testing::shown(p).at(0), "Cholesky: " + text);
+    }
+    EXPECT_EQ(allEqual(l, 0.0), !text.empty());
+    EXPECT_EQ(l(k, k), text.empty() ? std::sqrt(input(k, k)) : 0.0);
     for (int i = 1; i <= k; ++i)
       for (int j = 1; j <= k; ++j)
         if (!std::isnan(input(i, j))) {
           EXPECT_EQ(a(i, j), input(i, j)) << i << "," << j;
         }
   }
-  // Exactly epsilon is enough, on the first element and later on the diagonal alike.
-  RecordingPrompter p;
-  Mat l = mat2(1, 2, 1, 2);
-  Mat edge = rowsMat({{kEps, 0}, {0, 1}}), edge2 = rowsMat({{1, 0}, {0, kEps}});
-  Cholesky(2, edge, l, kEps, p, SolveTrace());
-  Cholesky(2, edge2, l, kEps, p, SolveTrace());
-  EXPECT_TRUE(p.messages().empty());
-  EXPECT_EQ(l(2, 2), std::sqrt(kEps));
 }
 
-TEST(NormalMuSigma, MuPlusFactorTimesTheNextNormals) {
+// Many draws of mu + L e have the mean and covariance they were drawn from; sigma is untouched.
+TEST(NormalMuSigma, SampleMomentsMatchTheCovariance) {
   RecordingPrompter p;
   RandomState st;
-  standardNormal(st);
-  RandomState copy = st;
-  Mat sigma = rowsMat({{4, 2, -2}, {2, 10, 2}, {-2, 2, 6}});  // factor rows (2), (1 3), (-1 1 2)
-  Mat ranvec = mat2(1, 3, 1, 1);
-  NormalMuSigma(st, 3, 27, colMat({1, 2, 3}), sigma, ranvec, kEps, p, SolveTrace());
-  const double e1 = standardNormal(copy), e2 = standardNormal(copy), e3 = standardNormal(copy);
-  EXPECT_DOUBLE_EQ(ranvec(1, 1), 1.0 + 2.0 * e1);
-  EXPECT_DOUBLE_EQ(ranvec(2, 1), 2.0 + (1.0 * e1 + 3.0 * e2));
-  EXPECT_DOUBLE_EQ(ranvec(3, 1), 3.0 + (-1.0 * e1 + 1.0 * e2 + 2.0 * e3));
-  EXPECT_EQ(sigma(2, 1), 2.0);
-  expectSameStream(st, copy);
+  const Mat given = rowsMat({{4, 2, -2}, {2, 10, 2}, {-2, 2, 6}}), mu = colMat({1, 2, 3});
+  Mat sigma = given, ranvec = mat2(1, 3, 1, 1), sum = mat2(1, 3, 1, 1), outer = mat2(1, 3, 1, 3);
+  fillMat(sum, 0.0), fillMat(outer, 0.0);
+  const int draws = 20000;
+  for (int d = 0; d < draws; ++d) {
+    NormalMuSigma(st, 3, 27, mu, sigma, ranvec, kEps, p, SolveTrace());
+    for (int i = 1; i <= 3; ++i) {
+      sum(i, 1) += ranvec(i, 1);
+      for (int j = 1; j <= 3; ++j)
+        outer(i, j) += (ranvec(i, 1) - mu(i, 1)) * (ranvec(j, 1) - mu(j, 1));
+    }
+  }
+  for (int i = 1; i <= 3; ++i) {
+    EXPECT_NEAR(sum(i, 1) / draws, mu(i, 1), 0.05) << i;
+    for (int j = 1; j <= 3; ++j) {
+      EXPECT_NEAR(outer(i, j) / draws, given(i, j), 0.05 * std::sqrt(given(i, i) * given(j, j)));
+      EXPECT_EQ(sigma(i, j), given(i, j));
+    }
+  }
+  EXPECT_TRUE(p.messages().empty());
 }
 
 // Diagonal covariances with exact square roots, so every term is its mean plus a known multiple
 // of one standard normal.
-RandomSources sources(int n, int nt, int np, int ny) {
+RandomSources sources(int n, int nt, int np, int ny, RandomSwitches w = {1, 0, 1, 1, 1, 1}) {
   RandomSources s;
-  s.n = n;
-  s.nt = nt;
-  s.np = np;
-  s.ny = ny;
-  s.eps = kEps;
+  s.n = n, s.nt = nt, s.np = np, s.ny = ny, s.eps = kEps, s.switches = w;
   s.q = diagMat({4.0, 9.0});
   s.r = diagMat({16.0, 0.25});
   s.gam = np == 1 ? diagMat({1.0}) : diagMat({1.0, 4.0});
@@ -204,14 +244,9 @@ RandomSources sources(int n, int nt, int np, int ny) {
   return s;
 }
 
-RandomSwitches allOn() {
-  return RandomSwitches{1, 0, 1, 1, 1, 1};
-}
-
 TEST(MonteCarlo, DrawsEveryTermInTheFixedOrder) {
   RecordingPrompter p;
   RandomSources src = sources(2, 3, 2, 2);
-  src.switches = allOn();
   RandomState st;
   standardNormal(st);  // start from a waiting spare
   RandomState ref = st;
@@ -233,12 +268,20 @@ TEST(MonteCarlo, DrawsEveryTermInTheFixedOrder) {
   EXPECT_EQ(t.x0random(1, 1), 10.0 + 0.5 * standardNormal(ref));
   EXPECT_EQ(t.x0random(2, 1), 20.0 + 2.0 * standardNormal(ref));
   expectSameStream(st, ref);
+  // The system noise alone, as the comparison without updating draws it, is the full draw's.
+  RandomState again;
+  standardNormal(again);
+  Mat xsis = mat2(1, 2, 0, 2);
+  MonteCarloXsis(again, src, xsis, p, SolveTrace());
+  for (int k = 0; k <= 2; ++k)
+    EXPECT_TRUE(xsis(1, k) == t.xsis(1, k) && xsis(2, k) == t.xsis(2, k));
+  expectSameStream(again, skipped(RandomState(), 7));
   EXPECT_TRUE(p.messages().empty());
 }
 
 TEST(MonteCarlo, SwitchedOffTermsAreZeroButParameterNoiseStillConsumesTheStream) {
   RecordingPrompter p;
-  RandomSources src = sources(2, 3, 1, 2);  // np = 1: an odd count of thrown-away normals
+  RandomSources src = sources(2, 3, 1, 2, {});  // np = 1: an odd count of thrown-away normals
   RandomState st;
   RandomTerms t = makeRandomTerms(2, 3, 1, 2);
   for (Mat* m : {&t.xsis, &t.zetas, &t.etas}) fillMat(*m, 5.0);
@@ -248,6 +291,11 @@ TEST(MonteCarlo, SwitchedOffTermsAreZeroButParameterNoiseStillConsumesTheStream)
   EXPECT_TRUE(allEqual(t.thetarandom, 7.0)) << "left as the caller set it";
   EXPECT_EQ(t.x0random(2, 1), 20.0);
   expectSameStream(st, skipped(RandomState(), 3 * 1));  // nt x np, nothing more
+  Mat xsis = testing::filledMat(1, 2, 0, 2, 5.0);
+  RandomState untouched;
+  MonteCarloXsis(untouched, src, xsis, p, SolveTrace());
+  EXPECT_TRUE(allEqual(xsis, 0.0));
+  expectSameStream(untouched, RandomState());
 
   // The initial parameter draw takes the normals after the thrown-away ones.
   src.switches.uncertainParameters = 1;
@@ -261,7 +309,6 @@ TEST(MonteCarlo, SwitchedOffTermsAreZeroButParameterNoiseStillConsumesTheStream)
   RandomSources none = sources(2, 3, 0, 2);
   none.gam = none.sitt0 = mat2(1, 0, 1, 0);
   none.theta0 = mat2(1, 0, 1, 1);
-  none.switches = allOn();
   RandomState st3;
   RandomState ref3 = skipped(st3, 3 * 2 + 3 * 2);  // xsis, zetas
   RandomTerms t3 = makeRandomTerms(2, 3, 0, 2);
@@ -274,7 +321,6 @@ TEST(MonteCarlo, EveryCovarianceWarningInOrderAndZeroTerms) {
   RecordingPrompter p;
   RandomSources src = sources(2, 2, 2, 2);
   for (Mat* m : {&src.q, &src.r, &src.gam, &src.sitt0, &src.sixx0}) fillMat(*m, 0.0);
-  src.switches = allOn();
   RandomState st;
   RandomTerms t = makeRandomTerms(2, 2, 2, 2);
   fillMat(t.xsis, 5.0);
@@ -285,53 +331,32 @@ TEST(MonteCarlo, EveryCovarianceWarningInOrderAndZeroTerms) {
   EXPECT_EQ(t.x0random(2, 1), 20.0);
 }
 
-// The system-noise draws alone, as the comparison without updating takes them: the same as the
-// full draw's, and nothing at all with the system equations switched off.
-TEST(MonteCarlo, TheSystemNoiseAloneIsTheFullDrawsFirstTerm) {
-  RecordingPrompter p;
-  RandomSources src = sources(2, 3, 2, 2);
-  src.switches = allOn();
-  RandomState full, st;
-  RandomTerms t = makeRandomTerms(2, 3, 2, 2);
-  MonteCarlo(full, src, t, p, SolveTrace());
-  Mat xsis = mat2(1, 2, 0, 2);
-  MonteCarloXsis(st, src, xsis, p, SolveTrace());
-  for (int i = 1; i <= 2; ++i)
-    for (int k = 0; k <= 2; ++k) EXPECT_EQ(xsis(i, k), t.xsis(i, k));
-  expectSameStream(st, skipped(RandomState(), 6));
-  src.switches.systemEquations = 0;
-  RandomState untouched;
-  MonteCarloXsis(untouched, src, xsis, p, SolveTrace());
-  EXPECT_TRUE(allEqual(xsis, 0.0));
-  expectSameStream(untouched, RandomState());
-}
-
 TEST(GenerateRandomTerms, RunsMonteCarloAndAccumulatesTheMoments) {
   RecordingPrompter p;
   RandomSources src = sources(2, 3, 2, 2);
-  src.switches = allOn();
   RandomState st, ref;
-  RandomTerms t = makeRandomTerms(2, 3, 2, 2);
-  RandomAccumulators acc = makeRandomAccumulators(2, 2);
-  std::vector<RandomTerms> runs;
+  RandomTerms t = makeRandomTerms(2, 3, 2, 2), r = t;
+  RandomAccumulators acc = makeRandomAccumulators(2, 2), sums = acc;
   for (int run = 0; run < 2; ++run) {
     EXPECT_EQ(GenerateRandomTerms(st, src, t, acc, p, SolveTrace()), 0);
-    RandomTerms r = makeRandomTerms(2, 3, 2, 2);
     MonteCarlo(ref, src, r, p, SolveTrace());
     EXPECT_EQ(t.thetarandom(2, 1), r.thetarandom(2, 1));
     EXPECT_EQ(t.xsis(2, 2), r.xsis(2, 2));
-    runs.push_back(t);
+    for (int i = 1; i <= 2; ++i) {
+      sums.thetaSum(i, 1) += r.thetarandom(i, 1);
+      sums.xsisSum(i, 1) += r.xsis(i, 0) + r.xsis(i, 1) + r.xsis(i, 2);
+      for (int j = 1; j <= 2; ++j) {
+        sums.thetaOuter(i, j) += r.thetarandom(i, 1) * r.thetarandom(j, 1);
+        sums.xsis0Outer(i, j) += r.xsis(i, 0) * r.xsis(j, 0);
+      }
+    }
   }
-  const RandomTerms &a = runs[0], &b = runs[1];
   for (int i = 1; i <= 2; ++i) {
-    EXPECT_DOUBLE_EQ(acc.thetaSum(i, 1), a.thetarandom(i, 1) + b.thetarandom(i, 1));
-    EXPECT_EQ(acc.xsisSum(i, 1), (a.xsis(i, 0) + a.xsis(i, 1) + a.xsis(i, 2)) +
-                                     (b.xsis(i, 0) + b.xsis(i, 1) + b.xsis(i, 2)));
+    EXPECT_DOUBLE_EQ(acc.thetaSum(i, 1), sums.thetaSum(i, 1));
+    EXPECT_DOUBLE_EQ(acc.xsisSum(i, 1), sums.xsisSum(i, 1));
     for (int j = 1; j <= 2; ++j) {
-      EXPECT_DOUBLE_EQ(acc.thetaOuter(i, j), a.thetarandom(i, 1) * a.thetarandom(j, 1) +
-                                                 b.thetarandom(i, 1) * b.thetarandom(j, 1));
-      EXPECT_DOUBLE_EQ(acc.xsis0Outer(i, j),
-                       a.xsis(i, 0) * a.xsis(j, 0) + b.xsis(i, 0) * b.xsis(j, 0));
+      EXPECT_DOUBLE_EQ(acc.thetaOuter(i, j), sums.thetaOuter(i, j));
+      EXPECT_DOUBLE_EQ(acc.xsis0Outer(i, j), sums.xsis0Outer(i, j));
     }
   }
 }
@@ -343,19 +368,18 @@ TextMatrix texts(int rows, int cols, double base) {
   return t;
 }
 
-TextMatrix column(const char* a, const char* b) {
-  TextMatrix t(2, 1);
-  t.setCell(0, 0, a);
-  t.setCell(1, 0, b);
-  return t;
-}
-
 Model readInModel() {
   Model model;
   model.flags.randomSource = opt::kReadIn;
-  model.setMatrix(MatrixId::TH0DEV, column("0.25", "-0.5"));
-  model.setMatrix(MatrixId::X0DEV, column("1", "-2"));
-  model.setMatrix(MatrixId::TH0DIFF, column("3.5", "4.5"));
+  const std::pair<MatrixId, std::array<const char*, 2>> columns[] = {
+      {MatrixId::TH0DEV, {"0.25", "-0.5"}},
+      {MatrixId::X0DEV, {"1", "-2"}},
+      {MatrixId::TH0DIFF, {"3.5", "4.5"}}};
+  for (const auto& [id, cells] : columns) {
+    TextMatrix t(2, 1);
+    t.setCell(0, 0, cells[0]), t.setCell(1, 0, cells[1]);
+    model.setMatrix(id, t);
+  }
   model.setMatrix(MatrixId::XSIS, texts(2, 3, 100));
   model.setMatrix(MatrixId::ZETAS, texts(2, 3, 200));
   model.setMatrix(MatrixId::ETAS, texts(2, 3, 300));
@@ -365,7 +389,7 @@ Model readInModel() {
 TEST(ChooseRandomSource, ReadInTermsLineUpWithTheSolverPeriods) {
   RecordingPrompter p;
   Model model = readInModel();
-  RandomSources src = sources(2, 3, 2, 2);
+  RandomSources src = sources(2, 3, 2, 2, {});
   RandomTerms t = makeRandomTerms(2, 3, 2, 2);
   chooseRandomSource(model, src, t, p, SolveTrace());  // both initial choices off: theta0
   EXPECT_EQ(t.thetarandom(2, 1), -1.0);
@@ -393,8 +417,7 @@ TEST(ChooseRandomSource, CertainButDifferentAndTheClashOfBothChoices) {
   RecordingPrompter p;
   Model model = readInModel();
   model.flags.randomSource = opt::kGenerateInternally;
-  RandomSources src = sources(2, 3, 2, 2);
-  src.switches.certainButDifferent = 1;
+  RandomSources src = sources(2, 3, 2, 2, {0, 1, 0, 0, 0, 0});
   RandomTerms g = makeRandomTerms(2, 3, 2, 2);
   fillMat(g.xsis, 42.0);
   chooseRandomSource(model, src, g, p, SolveTrace());
@@ -402,59 +425,12 @@ TEST(ChooseRandomSource, CertainButDifferentAndTheClashOfBothChoices) {
   EXPECT_EQ(g.thetarandom(2, 1), 4.5);
   EXPECT_TRUE(allEqual(g.xsis, 42.0)) << "generated terms are drawn per run, not here";
   EXPECT_TRUE(p.messages().empty());
-
   src.switches.uncertainParameters = 1;
   fillMat(g.thetarandom, 8.0);
   chooseRandomSource(model, src, g, p, SolveTrace());
   EXPECT_EQ(testing::shown(p), dataSection(kData, "both-initial-choices"));
   EXPECT_EQ(p.messages().at(0).icon, Icon::Exclamation);
   EXPECT_TRUE(allEqual(g.thetarandom, 8.0));
-}
-
-// The shuffle generator as described: a 15-bit integer generator (state x 214013 + 2531011
-// modulo 2^32, bits 16..30), 98 values discarded, a table of 98, and y.
-struct ReferenceRan0 {
-  std::uint64_t state = 0;
-  std::vector<double> table = std::vector<double>(99, 0.0);
-  double y = 0.0;
-  bool filled = false;
-  double nextInt() {
-    state = (state * 214013 + 2531011) % 4294967296ULL;
-    return static_cast<double>((state / 65536) % 32768);
-  }
-  double draw(int seed) {
-    if (seed < 0 || !filled) {
-      filled = true;
-      state = static_cast<std::uint64_t>(static_cast<std::int64_t>(seed) + 4294967296LL) %
-              4294967296ULL;
-      for (int i = 0; i < 98; ++i) nextInt();
-      for (int j = 1; j <= 98; ++j) table[static_cast<std::size_t>(j)] = nextInt();
-      y = nextInt();
-    }
-    const auto j = static_cast<std::size_t>(98.0 * y / 32768.0 + 1.0);
-    y = table[j];
-    table[j] = nextInt();
-    return y / 32768.0;
-  }
-};
-
-TEST(Ran0, MatchesTheShuffleGeneratorAndReseedsOnANegativeSeed) {
-  RecordingPrompter p;
-  RandomState st;
-  ReferenceRan0 ref;
-  for (int i = 0; i < 1000; ++i) ASSERT_EQ(ran0(st, 27, p), ref.draw(27)) << i;
-  // A negative seed fills the table afresh on every call; a positive one continues.
-  const double first = ran0(st, -7, p);
-  EXPECT_EQ(ran0(st, -7, p), first);
-  ReferenceRan0 neg;
-  EXPECT_EQ(first, neg.draw(-7));
-  EXPECT_EQ(ran0(st, 5, p), neg.draw(5));
-  EXPECT_TRUE(p.messages().empty());
-
-  st.y = 40000.0;  // only a damaged state gives an index beyond 98
-  st.table[98] = 123.0;
-  EXPECT_EQ(ran0(st, 1, p), 123.0 / 32768.0);
-  EXPECT_EQ(testing::shown(p), std::vector<std::string>{"ran0: Error in ran0."});
 }
 
 TEST(Seeds, DialogTextsSetTheSeedsButNotTheSpareAndHeadTheDebugFile) {
@@ -497,8 +473,7 @@ std::vector<std::string> tracedRun(std::initializer_list<SolveTopic> topics, Ran
     DebugFile f;
     EXPECT_TRUE(f.open(path));
     RecordingPrompter p;
-    RandomSources src = sources(2, 2, np, 2);
-    src.switches = w;
+    RandomSources src = sources(2, 2, np, 2, w);
     RandomState st;
     RandomTerms t = makeRandomTerms(2, 2, np, 2);
     RandomAccumulators acc = makeRandomAccumulators(2, np);
@@ -508,11 +483,10 @@ std::vector<std::string> tracedRun(std::initializer_list<SolveTopic> topics, Ran
 }
 
 TEST(RandomTrace, LabelsInOrder) {
-  EXPECT_EQ(tracedRun({SolveTopic::RandomIntermediates}, RandomSwitches{}, 1),
+  EXPECT_EQ(tracedRun({SolveTopic::RandomIntermediates}, {}, 1),
             dataSection(kData, "trace-monte-carlo"));
-  EXPECT_TRUE(tracedRun({SolveTopic::RandomMeans, SolveTopic::KAndP}, RandomSwitches{}, 1).empty());
-  RandomSwitches w;
-  w.uncertainParameters = 1;
+  EXPECT_TRUE(tracedRun({SolveTopic::RandomMeans, SolveTopic::KAndP}, {}, 1).empty());
+  const RandomSwitches w{1, 0, 0, 0, 0, 0};
   const std::vector<std::string> draw = dataSection(kData, "trace-one-draw");
   std::vector<std::string> l = tracedRun({SolveTopic::RandomIntermediates}, w, 2);
   const auto at = std::find(l.begin(), l.end(), draw.front());
@@ -527,7 +501,7 @@ TEST(RandomTrace, LabelsInOrder) {
     ASSERT_TRUE(f.open(path));
     RecordingPrompter p;
     Model model = readInModel();
-    RandomSources src = sources(2, 3, 2, 2);
+    RandomSources src = sources(2, 3, 2, 2, {});
     RandomTerms t = makeRandomTerms(2, 3, 2, 2);
     chooseRandomSource(model, src, t, p, traceOf(f, {SolveTopic::RandomFinals}));
     src.switches.certainButDifferent = 1;
