@@ -3,7 +3,6 @@
 // updating) must steer exactly as the deterministic solution of the same model does.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstdlib>
 #include <string>
 
@@ -19,22 +18,21 @@ namespace {
 // Two states, one control, lead 1; the one uncertain parameter is B(1, 1) (in the Pindyck form
 // A0 only links state 2 to state 1, so B(1, 1) = B1(1, 1)), and TH0 is its true value. No noise of
 // any kind, the initial estimates at the truth, and the handcrafted rule u = -0.4 x1 + 0.6.
-Model forwardModel(int form) {
-  return testing::dataModel(form == opt::kPindyck ? "forward_pindyck.ovi" : "forward_regular.ovi");
-}
-
-class ForwardLearning : public ::testing::TestWithParam<int> {};
+class ForwardLearning : public ::testing::TestWithParam<int> {
+ protected:
+  const bool pindyck = GetParam() == opt::kPindyck;
+  const Model model = testing::dataModel(pindyck ? "forward_pindyck.ovi" : "forward_regular.ovi");
+  RandomState random;
+  RecordingPrompter prompter;
+  NullProgress progress;
+};
 
 TEST_P(ForwardLearning, CertaintyEquivalenceIsTheDeterministicSolution) {
-  const Model model = forwardModel(GetParam());
-  RecordingPrompter prompter;
   const std::optional<Solution> qlp = solveQlp(model, prompter, SolveTrace());
   ASSERT_TRUE(qlp.has_value());
   CompareSettings settings;
   settings.methods[kCe] = settings.methods[kCeWo] = true;
   settings.eps = macheps();
-  RandomState random;
-  NullProgress progress;
   const CompareResult r = maincompare(model, settings, random, prompter, progress);
   ASSERT_EQ(r.status, 1);
   for (const auto& message : prompter.messages())
@@ -52,8 +50,6 @@ TEST_P(ForwardLearning, CertaintyEquivalenceIsTheDeterministicSolution) {
 // Without noise HCFR's expectations are fulfilled: its true path solves the model's own equation
 // x(t+1) = A0 x(t+1) + D1 x(t+1) + A x(t) + B u(t) + c, the lead state being the path itself.
 TEST_P(ForwardLearning, HandcraftedRuleExpectsThePathItsRuleProduces) {
-  const Model model = forwardModel(GetParam());
-  const bool pindyck = GetParam() == opt::kPindyck;
   auto v = [&](MatrixId id, int r, int c) {
     const TextMatrix* t = model.matrix(id);
     return t == nullptr ? 0.0 : std::atof(std::string(t->cell(r, c)).c_str());
@@ -62,9 +58,6 @@ TEST_P(ForwardLearning, HandcraftedRuleExpectsThePathItsRuleProduces) {
   settings.methods[kHcfr] = true;
   settings.runs = 1;
   settings.eps = macheps();
-  RandomState random;
-  RecordingPrompter prompter;
-  NullProgress progress;
   const CompareResult r = maincompare(model, settings, random, prompter, progress);
   ASSERT_EQ(r.status, 1);
   const RunPaths& p = r.lastRun[kHcfr];

@@ -210,7 +210,7 @@ TEST(NormalMuSigma, SampleMomentsMatchTheCovariance) {
   const Mat given = rowsMat({{4, 2, -2}, {2, 10, 2}, {-2, 2, 6}}), mu = colMat({1, 2, 3});
   Mat sigma = given, ranvec = mat2(1, 3, 1, 1), sum = mat2(1, 3, 1, 1), outer = mat2(1, 3, 1, 3);
   fillMat(sum, 0.0), fillMat(outer, 0.0);
-  const int draws = 20000;
+  const int draws = 10000;
   for (int d = 0; d < draws; ++d) {
     NormalMuSigma(st, 3, 27, mu, sigma, ranvec, kEps, p, SolveTrace());
     for (int i = 1; i <= 3; ++i) {

@@ -1,6 +1,7 @@
-// Sharing a comparison's runs among processes, simulated one after another in this program:
-// the helpers first, their records kept in inboxes that process 0 then reads. Process 0's result
-// must be the single process's to the bit.
+// The same runs however they are shared: a traced comparison runs them in order on one thread;
+// untraced ones go to a pool of threads, or to other processes (simulated one after another in
+// this program: the helpers first, their records kept in inboxes that process 0 then reads).
+// Every way must record the traced result to the bit, messages and stream position included.
 #include "stoch/run_distributor.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 #include "model/model_file.h"
 #include "numeric/matrix_ops.h"
 #include "stoch/compare.h"
+#include "support/temp_dir.h"
 
 namespace ovaro {
 namespace {
@@ -53,7 +55,10 @@ struct SequentialDistributor : RunDistributor {
 // One process's comparison of 23 runs (not a multiple of any batch), as text that holds every
 // bit it keeps (hexadecimal floating point), its messages and where it leaves the stream; a
 // helper process gives its status alone.
-std::string compareIn(const Model& model, RunDistributor* d) {
+std::string compareIn(const Model& model, RunDistributor* d, int threads, bool traced = false) {
+  testing::TempDir dir;
+  DebugFile file;
+  EXPECT_TRUE(!traced || file.open(dir.file("run.dbg")));
   RecordingPrompter prompter;
   NullProgress progress;
   RandomState random;
@@ -61,8 +66,9 @@ std::string compareIn(const Model& model, RunDistributor* d) {
   settings.methods = {true, true, true, true, true};
   settings.runs = 23;
   settings.eps = macheps();
-  settings.threads = 2;
+  settings.threads = threads;
   settings.distributor = d;
+  settings.file = traced ? &file : nullptr;
   CompareResult r = maincompare(model, settings, random, prompter, progress);
   std::ostringstream t;
   t << std::hexfloat << r.status << ' ' << r.runs;
@@ -87,37 +93,38 @@ std::string compareIn(const Model& model, RunDistributor* d) {
 }
 
 // One comparison on `x.size` simulated processes, process 0 last; its text.
-std::string shared(const Model& model, Exchange& x) {
+std::string shared(const Model& model, Exchange& x, int threads) {
   for (int r = x.size - 1; r > 0; --r) {
     SequentialDistributor d(x, r);
-    EXPECT_EQ(compareIn(model, &d), "0 0");  // a helper keeps nothing
+    EXPECT_EQ(compareIn(model, &d, threads), "0 0");  // a helper keeps nothing
   }
   SequentialDistributor first(x, 0);
-  return compareIn(model, &first);
+  return compareIn(model, &first, threads);
 }
 
-class SharedRuns : public testing::TestWithParam<const char*> {};
+class SharedRuns : public ::testing::TestWithParam<const char*> {};
 
 // A learning model, a forward-looking one, measurement error, the policy-to-parameter effect.
 INSTANTIATE_TEST_SUITE_P(Examples, SharedRuns,
-                         testing::Values("learn1.ovi", "fwdnz1.ovi", "tvp1.ovi", "credib2.ovi"));
+                         ::testing::Values("learn1.ovi", "fwdnz1.ovi", "tvp1.ovi", "credib2.ovi"));
 
-TEST_P(SharedRuns, ProcessZeroRecordsWhatOneProcessRecords) {
+TEST_P(SharedRuns, EveryWayOfSharingRecordsTheTracedResult) {
   Model model;
   RecordingPrompter reading;
   ASSERT_EQ(
       readModelFile(std::string(OVARO_SOURCE_DIR) + "/examples/" + GetParam(), model, reading), 1);
-  const std::string serial = compareIn(model, nullptr);
+  const std::string serial = compareIn(model, nullptr, 1, true);
   ASSERT_EQ(serial.rfind("1 23", 0), 0u);
   for (int n : {2, 3}) {
-    Exchange x(n, {1, 23, 2});  // every process takes part, with 23 runs and 2 threads
-    EXPECT_EQ(shared(model, x), serial) << n;
+    const int threads = n == 2 ? 3 : 16;
+    Exchange x(n, {1, 23, threads});  // every process takes part, with 23 runs
+    EXPECT_EQ(shared(model, x, threads), serial) << n;
     EXPECT_GT(x.received, 0u);  // the others did solve runs
   }
   // A process that stops before its runs (one that cannot read the model, say) leaves process 0
   // to solve every run itself, and the other to solve none.
   Exchange x(2, {0, 0, 0});
-  EXPECT_EQ(shared(model, x), serial);
+  EXPECT_EQ(shared(model, x, 2), serial);
   EXPECT_EQ(x.received, 0u);
 }
 
