@@ -1,7 +1,7 @@
 // The random terms: both generators against their recurrences done here in wide integers, the
 // Cholesky factor against L L' = a, draws against the covariance they come from, the order in
 // which a run consumes the stream, the read-in source, the messages and the debug labels
-// (tests/data/random_terms.txt). MonteCarloTheta has no caller and no test.
+// (tests/data/random_terms.txt).
 #include "stoch/random_terms.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +11,7 @@
 #include <bitset>
 #include <cmath>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <random>
 #include <string>
@@ -26,12 +27,7 @@
 namespace ovaro {
 namespace {
 
-using testing::allEqual;
-using testing::colMat;
-using testing::dataSection;
-using testing::diagMat;
-using testing::fillMat;
-using testing::rowsMat;
+using namespace testing;
 
 const double kEps = macheps();
 const std::string kData = "random_terms.txt";
@@ -58,30 +54,22 @@ SolveTrace traceOf(DebugFile& file, std::initializer_list<SolveTopic> topics) {
   return SolveTrace(&file, bits);
 }
 
-TEST(Quarns, StepsFromTheStoredFloatAndWrapInThirtyTwoBits) {
-  RandomState st;
-  EXPECT_EQ(quarnsUniform(st), 3895.5 / 566927.0);  // from the default seed 0.5
-  float s = st.quarnsSeed;
-  for (int i = 0; i < 5000; ++i) {
-    const double expected = referenceStep(s);
-    s = static_cast<float>(expected);
-    ASSERT_EQ(quarnsUniform(st), expected) << "step " << i;
+// What `write` leaves in a fresh debug file.
+std::string written(const std::function<void(DebugFile&)>& write) {
+  testing::TempDir dir;
+  {
+    DebugFile f;
+    EXPECT_TRUE(f.open(dir.file("random.dbg")));
+    write(f);
   }
-  // 2.0 x 566927 x 3612 + 5701 wraps to a negative int, and the remainder stays negative.
-  const long long wrapped = 1133854LL * 3612 + 5701 - 4294967296LL;
-  EXPECT_EQ(quarnsStep(2.0f), (static_cast<double>(wrapped % 566927) + 0.5) / 566927.0);
-  for (float seed : {-0.5f, 7.25f, 1.0e10f, std::numeric_limits<float>::infinity()}) {
-    RandomState odd;
-    odd.quarnsSeed = seed;
-    EXPECT_TRUE(std::isfinite(standardNormal(odd))) << seed;
-  }
+  return testing::slurp(dir.file("random.dbg"));
 }
 
-TEST(StandardNormal, PolarPairsWithTheSecondCachedWithoutTouchingTheSeed) {
+TEST(StandardNormal, PolarPairsOfQuarnsUniformsWithTheSecondCachedWithoutTouchingTheSeed) {
   RandomState st;
   float s = st.quarnsSeed;
   int rejected = 0;
-  for (int pair = 0; pair < 500; ++pair) {
+  for (int pair = 0; pair < 2000; ++pair) {
     double a = 0.0, b = 0.0, rsq = 0.0;
     do {
       const double u1 = referenceStep(s);
@@ -96,6 +84,12 @@ TEST(StandardNormal, PolarPairsWithTheSecondCachedWithoutTouchingTheSeed) {
     ASSERT_EQ(st.quarnsSeed, s) << "the spare must not draw";
   }
   EXPECT_GT(rejected, 0) << "the rejection branch was never taken";
+  EXPECT_EQ(quarnsStep(0.5f), 3895.5 / 566927.0);  // from the default seed
+  // 2.0 x 566927 x 3612 + 5701 wraps to a negative int, and the remainder stays negative.
+  const long long wrapped = 1133854LL * 3612 + 5701 - 4294967296LL;
+  EXPECT_EQ(quarnsStep(2.0f), (static_cast<double>(wrapped % 566927) + 0.5) / 566927.0);
+  for (float seed : {-0.5f, 7.25f, 1.0e10f, std::numeric_limits<float>::infinity()})
+    EXPECT_TRUE(std::isfinite(quarnsStep(seed))) << seed;
 }
 
 // The shuffle generator as described: a 15-bit integer generator (state x 214013 + 2531011
@@ -137,7 +131,7 @@ TEST(Ran0, MatchesTheShuffleGeneratorAndReseedsOnANegativeSeed) {
   st.y = 40000.0;  // only a damaged state gives an index beyond 98
   st.table[98] = 123.0;
   EXPECT_EQ(ran0(st, 1, p), 123.0 / 32768.0);
-  EXPECT_EQ(testing::shown(p), std::vector<std::string>{"ran0: Error in ran0."});
+  EXPECT_EQ(shown(p), std::vector<std::string>{"ran0: Error in ran0."});
 }
 
 TEST(Cholesky, RandomSpdMatricesFactorAndAreRestored) {
@@ -145,24 +139,21 @@ TEST(Cholesky, RandomSpdMatricesFactorAndAreRestored) {
   std::uniform_real_distribution<double> dist(-1.0, 1.0);
   RecordingPrompter p;
   for (int k = 1; k <= 8; ++k) {
-    Mat b = mat2(1, k, 1, k), a = mat2(1, k, 1, k);
+    Mat b = mat2(1, k, 1, k), a = mat2(1, k, 1, k), lt = a, llt = a;
     for (int i = 1; i <= k; ++i)
       for (int j = 1; j <= k; ++j) b(i, j) = dist(gen);
-    for (int i = 1; i <= k; ++i)
-      for (int j = 1; j <= k; ++j) {
-        a(i, j) = i == j ? 0.1 : 0.0;
-        for (int q = 1; q <= k; ++q) a(i, j) += b(i, q) * b(j, q);
-      }
+    mtmul(k, k, k, b, b, a);  // b' b + 0.1 I
+    for (int i = 1; i <= k; ++i) a(i, i) += 0.1;
     const Mat original = a;
-    Mat l = testing::filledMat(1, k, 1, k, 7.0);
+    Mat l = filledMat(1, k, 1, k, 7.0);
     Cholesky(k, a, l, kEps, p, SolveTrace());
+    mtrans(k, k, l, lt);
+    mmul(k, k, k, l, lt, llt);
     for (int i = 1; i <= k; ++i)
       for (int j = 1; j <= k; ++j) {
         EXPECT_EQ(a(i, j), original(i, j)) << "a not restored at " << i << "," << j;
         EXPECT_TRUE(j < i || l(i, j) == 0.0 || (j == i && l(i, i) > 0.0)) << i << "," << j;
-        double llt = 0.0;
-        for (int q = 1; q <= k; ++q) llt += l(i, q) * l(j, q);
-        EXPECT_NEAR(llt, original(i, j), 1e-12 * k) << "k=" << k << " " << i << "," << j;
+        EXPECT_NEAR(llt(i, j), original(i, j), 1e-12 * k) << "k=" << k << " " << i << "," << j;
       }
   }
   EXPECT_TRUE(p.messages().empty());
@@ -187,12 +178,9 @@ TEST(Cholesky, FailuresGiveTheirMessageAZeroFactorAndLeaveAUnchanged) {
     RecordingPrompter p;
     Mat a = input;
     const int k = a.rows();
-    Mat l = testing::filledMat(1, k, 1, k, 5.0);
+    Mat l = filledMat(1, k, 1, k, 5.0);
     Cholesky(k, a, l, kEps, p, SolveTrace());
-    EXPECT_EQ(testing::shown(p).size(), text.empty() ? 0u : 1u);
-    if (!text.empty()) {
-      EXPECT_EQ(testing::shown(p).at(0), "Cholesky: " + text);
-    }
+    EXPECT_EQ(shown(p), std::vector<std::string>(text.empty() ? 0 : 1, "Cholesky: " + text));
     EXPECT_EQ(allEqual(l, 0.0), !text.empty());
     EXPECT_EQ(l(k, k), text.empty() ? std::sqrt(input(k, k)) : 0.0);
     for (int i = 1; i <= k; ++i)
@@ -279,7 +267,7 @@ TEST(MonteCarlo, DrawsEveryTermInTheFixedOrder) {
   EXPECT_TRUE(p.messages().empty());
 }
 
-TEST(MonteCarlo, SwitchedOffTermsAreZeroButParameterNoiseStillConsumesTheStream) {
+TEST(MonteCarlo, SwitchedOffAndZeroCovariancesGiveZeroTermsButParameterNoiseStillDraws) {
   RecordingPrompter p;
   RandomSources src = sources(2, 3, 1, 2, {});  // np = 1: an odd count of thrown-away normals
   RandomState st;
@@ -291,7 +279,7 @@ TEST(MonteCarlo, SwitchedOffTermsAreZeroButParameterNoiseStillConsumesTheStream)
   EXPECT_TRUE(allEqual(t.thetarandom, 7.0)) << "left as the caller set it";
   EXPECT_EQ(t.x0random(2, 1), 20.0);
   expectSameStream(st, skipped(RandomState(), 3 * 1));  // nt x np, nothing more
-  Mat xsis = testing::filledMat(1, 2, 0, 2, 5.0);
+  Mat xsis = filledMat(1, 2, 0, 2, 5.0);
   RandomState untouched;
   MonteCarloXsis(untouched, src, xsis, p, SolveTrace());
   EXPECT_TRUE(allEqual(xsis, 0.0));
@@ -315,50 +303,44 @@ TEST(MonteCarlo, SwitchedOffTermsAreZeroButParameterNoiseStillConsumesTheStream)
   MonteCarlo(st3, none, t3, p, SolveTrace());
   EXPECT_EQ(t3.x0random(1, 1), 10.0 + 0.5 * standardNormal(ref3));
   EXPECT_TRUE(p.messages().empty());
-}
 
-TEST(MonteCarlo, EveryCovarianceWarningInOrderAndZeroTerms) {
-  RecordingPrompter p;
-  RandomSources src = sources(2, 2, 2, 2);
-  for (Mat* m : {&src.q, &src.r, &src.gam, &src.sitt0, &src.sixx0}) fillMat(*m, 0.0);
-  RandomState st;
-  RandomTerms t = makeRandomTerms(2, 2, 2, 2);
-  fillMat(t.xsis, 5.0);
-  MonteCarlo(st, src, t, p, SolveTrace());
-  EXPECT_EQ(testing::shown(p), dataSection(kData, "every-covariance-zero"));
-  EXPECT_TRUE(allEqual(t.xsis, 0.0));
-  EXPECT_EQ(t.thetarandom(1, 1), 0.5);  // a zero factor leaves the mean
-  EXPECT_EQ(t.x0random(2, 1), 20.0);
+  // Every covariance zero: each warning in turn, zero terms, the means left.
+  RandomSources zero = sources(2, 2, 2, 2);
+  for (Mat* m : {&zero.q, &zero.r, &zero.gam, &zero.sitt0, &zero.sixx0}) fillMat(*m, 0.0);
+  RandomTerms z = makeRandomTerms(2, 2, 2, 2);
+  fillMat(z.xsis, 5.0);
+  MonteCarlo(st, zero, z, p, SolveTrace());
+  EXPECT_EQ(shown(p), dataSection(kData, "every-covariance-zero"));
+  EXPECT_TRUE(allEqual(z.xsis, 0.0) && z.thetarandom(1, 1) == 0.5 && z.x0random(2, 1) == 20.0);
 }
 
 TEST(GenerateRandomTerms, RunsMonteCarloAndAccumulatesTheMoments) {
   RecordingPrompter p;
   RandomSources src = sources(2, 3, 2, 2);
   RandomState st, ref;
-  RandomTerms t = makeRandomTerms(2, 3, 2, 2), r = t;
+  RandomTerms t = makeRandomTerms(2, 3, 2, 2);
   RandomAccumulators acc = makeRandomAccumulators(2, 2), sums = acc;
   for (int run = 0; run < 2; ++run) {
     EXPECT_EQ(GenerateRandomTerms(st, src, t, acc, p, SolveTrace()), 0);
-    MonteCarlo(ref, src, r, p, SolveTrace());
-    EXPECT_EQ(t.thetarandom(2, 1), r.thetarandom(2, 1));
-    EXPECT_EQ(t.xsis(2, 2), r.xsis(2, 2));
     for (int i = 1; i <= 2; ++i) {
-      sums.thetaSum(i, 1) += r.thetarandom(i, 1);
-      sums.xsisSum(i, 1) += r.xsis(i, 0) + r.xsis(i, 1) + r.xsis(i, 2);
+      sums.thetaSum(i, 1) += t.thetarandom(i, 1);
+      sums.xsisSum(i, 1) += t.xsis(i, 0) + t.xsis(i, 1) + t.xsis(i, 2);
       for (int j = 1; j <= 2; ++j) {
-        sums.thetaOuter(i, j) += r.thetarandom(i, 1) * r.thetarandom(j, 1);
-        sums.xsis0Outer(i, j) += r.xsis(i, 0) * r.xsis(j, 0);
+        sums.thetaOuter(i, j) += t.thetarandom(i, 1) * t.thetarandom(j, 1);
+        sums.xsis0Outer(i, j) += t.xsis(i, 0) * t.xsis(j, 0);
       }
     }
   }
-  for (int i = 1; i <= 2; ++i) {
-    EXPECT_DOUBLE_EQ(acc.thetaSum(i, 1), sums.thetaSum(i, 1));
-    EXPECT_DOUBLE_EQ(acc.xsisSum(i, 1), sums.xsisSum(i, 1));
+  RandomTerms r = makeRandomTerms(2, 3, 2, 2);
+  for (int run = 0; run < 2; ++run) MonteCarlo(ref, src, r, p, SolveTrace());
+  EXPECT_TRUE(r.thetarandom(2, 1) == t.thetarandom(2, 1) && r.etas(2, 2) == t.etas(2, 2));
+  for (int i = 1; i <= 2; ++i)
     for (int j = 1; j <= 2; ++j) {
+      EXPECT_DOUBLE_EQ(acc.thetaSum(i, 1), sums.thetaSum(i, 1));
+      EXPECT_DOUBLE_EQ(acc.xsisSum(i, 1), sums.xsisSum(i, 1));
       EXPECT_DOUBLE_EQ(acc.thetaOuter(i, j), sums.thetaOuter(i, j));
       EXPECT_DOUBLE_EQ(acc.xsis0Outer(i, j), sums.xsis0Outer(i, j));
     }
-  }
 }
 
 TextMatrix texts(int rows, int cols, double base) {
@@ -386,51 +368,47 @@ Model readInModel() {
   return model;
 }
 
-TEST(ChooseRandomSource, ReadInTermsLineUpWithTheSolverPeriods) {
+TEST(ChooseRandomSource, ReadInCertainButDifferentAndTheClashOfBothChoices) {
   RecordingPrompter p;
   Model model = readInModel();
   RandomSources src = sources(2, 3, 2, 2, {});
   RandomTerms t = makeRandomTerms(2, 3, 2, 2);
-  chooseRandomSource(model, src, t, p, SolveTrace());  // both initial choices off: theta0
-  EXPECT_EQ(t.thetarandom(2, 1), -1.0);
-  src.switches.uncertainParameters = 1;
+  const std::string trace = written([&](DebugFile& f) {
+    chooseRandomSource(model, src, t, p, traceOf(f, {SolveTopic::RandomFinals}));
+    EXPECT_EQ(t.thetarandom(2, 1), -1.0);  // both initial choices off: theta0
+    src.switches.certainButDifferent = 1;
+    chooseRandomSource(model, src, t, p, traceOf(f, {SolveTopic::RandomIntermediates}));
+    chooseRandomSource(model, src, t, p, traceOf(f, {SolveTopic::RandomFinals}));
+  });
+  EXPECT_EQ(debugLabels(trace), dataSection(kData, "trace-read-in"));
+  EXPECT_EQ(t.thetarandom(2, 1), 4.5);
+  src.switches = {1, 0, 0, 0, 0, 0};
   chooseRandomSource(model, src, t, p, SolveTrace());
-  EXPECT_EQ(t.thetarandom(1, 1), 0.75);
-  EXPECT_EQ(t.thetarandom(2, 1), -1.5);
-  EXPECT_EQ(t.x0random(1, 1), 11.0);
-  EXPECT_EQ(t.x0random(2, 1), 18.0);
+  EXPECT_TRUE(t.thetarandom(1, 1) == 0.75 && t.thetarandom(2, 1) == -1.5);
+  EXPECT_TRUE(t.x0random(1, 1) == 11.0 && t.x0random(2, 1) == 18.0);
   for (int i = 1; i <= 2; ++i)
     for (int j = 0; j <= 2; ++j) {
       EXPECT_EQ(t.xsis(i, j), 100 + 10 * (i - 1) + j) << i << "," << j;
       EXPECT_EQ(t.etas(i, j), 300 + 10 * (i - 1) + j) << i << "," << j;
       EXPECT_EQ(t.zetas(i, j + 1), 200 + 10 * (i - 1) + j) << i << "," << j + 1;
     }
-  // A narrower ZETAS leaves the last period at 0.
-  model.setMatrix(MatrixId::ZETAS, texts(2, 2, 200));
+  model.setMatrix(MatrixId::ZETAS, texts(2, 2, 200));  // too narrow: the last period stays 0
   chooseRandomSource(model, src, t, p, SolveTrace());
-  EXPECT_EQ(t.zetas(1, 2), 201.0);
-  EXPECT_EQ(t.zetas(1, 3), 0.0);
+  EXPECT_TRUE(t.zetas(1, 2) == 201.0 && t.zetas(1, 3) == 0.0);
   EXPECT_TRUE(p.messages().empty());
-}
-
-TEST(ChooseRandomSource, CertainButDifferentAndTheClashOfBothChoices) {
-  RecordingPrompter p;
-  Model model = readInModel();
+  // Generated terms are drawn per run, not here; certain-but-different still reads TH0DIFF.
   model.flags.randomSource = opt::kGenerateInternally;
-  RandomSources src = sources(2, 3, 2, 2, {0, 1, 0, 0, 0, 0});
-  RandomTerms g = makeRandomTerms(2, 3, 2, 2);
-  fillMat(g.xsis, 42.0);
-  chooseRandomSource(model, src, g, p, SolveTrace());
-  EXPECT_EQ(g.thetarandom(1, 1), 3.5);
-  EXPECT_EQ(g.thetarandom(2, 1), 4.5);
-  EXPECT_TRUE(allEqual(g.xsis, 42.0)) << "generated terms are drawn per run, not here";
+  src.switches = {0, 1, 0, 0, 0, 0};
+  fillMat(t.xsis, 42.0);
+  chooseRandomSource(model, src, t, p, SolveTrace());
+  EXPECT_TRUE(t.thetarandom(1, 1) == 3.5 && allEqual(t.xsis, 42.0));
   EXPECT_TRUE(p.messages().empty());
   src.switches.uncertainParameters = 1;
-  fillMat(g.thetarandom, 8.0);
-  chooseRandomSource(model, src, g, p, SolveTrace());
-  EXPECT_EQ(testing::shown(p), dataSection(kData, "both-initial-choices"));
+  fillMat(t.thetarandom, 8.0);
+  chooseRandomSource(model, src, t, p, SolveTrace());
+  EXPECT_EQ(shown(p), dataSection(kData, "both-initial-choices"));
   EXPECT_EQ(p.messages().at(0).icon, Icon::Exclamation);
-  EXPECT_TRUE(allEqual(g.thetarandom, 8.0));
+  EXPECT_TRUE(allEqual(t.thetarandom, 8.0));
 }
 
 TEST(Seeds, DialogTextsSetTheSeedsButNotTheSpareAndHeadTheDebugFile) {
@@ -449,16 +427,9 @@ TEST(Seeds, DialogTextsSetTheSeedsButNotTheSpareAndHeadTheDebugFile) {
   EXPECT_EQ(st.vxSeed, 0);
   EXPECT_TRUE(std::isinf(st.quarnsSeed));
 
-  testing::TempDir dir;
-  const std::string path = dir.file("seed.dbg");
-  {
-    DebugFile f;
-    ASSERT_TRUE(f.open(path));
-    st.quarnsSeed = 0.25f;
-    st.vxSeed = -3;
-    EXPECT_EQ(writeSeedLines(f, st), 1);
-  }
-  EXPECT_EQ(testing::slurp(path),
+  st.quarnsSeed = 0.25f;
+  st.vxSeed = -3;
+  EXPECT_EQ(written([&](DebugFile& f) { EXPECT_EQ(writeSeedLines(f, st), 1); }),
             "\r\n\r\n\r\n Monte Carlo seed for Quarns' generator = 0.250000"
             "\r\n\r\n\r\n Monte Carlo seed for VX generator = -3");
   DebugFile closed;
@@ -467,19 +438,13 @@ TEST(Seeds, DialogTextsSetTheSeedsButNotTheSpareAndHeadTheDebugFile) {
 
 std::vector<std::string> tracedRun(std::initializer_list<SolveTopic> topics, RandomSwitches w,
                                    int np) {
-  testing::TempDir dir;
-  const std::string path = dir.file("random.dbg");
-  {
-    DebugFile f;
-    EXPECT_TRUE(f.open(path));
-    RecordingPrompter p;
-    RandomSources src = sources(2, 2, np, 2, w);
-    RandomState st;
-    RandomTerms t = makeRandomTerms(2, 2, np, 2);
-    RandomAccumulators acc = makeRandomAccumulators(2, np);
-    GenerateRandomTerms(st, src, t, acc, p, traceOf(f, topics));
-  }
-  return testing::debugLabels(testing::slurp(path));
+  RecordingPrompter p;
+  RandomSources src = sources(2, 2, np, 2, w);
+  RandomState st;
+  RandomTerms t = makeRandomTerms(2, 2, np, 2);
+  RandomAccumulators acc = makeRandomAccumulators(2, np);
+  return debugLabels(
+      written([&](DebugFile& f) { GenerateRandomTerms(st, src, t, acc, p, traceOf(f, topics)); }));
 }
 
 TEST(RandomTrace, LabelsInOrder) {
@@ -493,22 +458,6 @@ TEST(RandomTrace, LabelsInOrder) {
   ASSERT_GE(l.end() - at, static_cast<long>(draw.size()));
   EXPECT_EQ(std::vector<std::string>(at, at + static_cast<long>(draw.size())), draw);
   EXPECT_EQ(tracedRun({SolveTopic::RandomFinals}, w, 2), dataSection(kData, "trace-finals"));
-
-  testing::TempDir dir;
-  const std::string path = dir.file("readin.dbg");
-  {
-    DebugFile f;
-    ASSERT_TRUE(f.open(path));
-    RecordingPrompter p;
-    Model model = readInModel();
-    RandomSources src = sources(2, 3, 2, 2, {});
-    RandomTerms t = makeRandomTerms(2, 3, 2, 2);
-    chooseRandomSource(model, src, t, p, traceOf(f, {SolveTopic::RandomFinals}));
-    src.switches.certainButDifferent = 1;
-    chooseRandomSource(model, src, t, p, traceOf(f, {SolveTopic::RandomIntermediates}));
-    chooseRandomSource(model, src, t, p, traceOf(f, {SolveTopic::RandomFinals}));
-  }
-  EXPECT_EQ(testing::debugLabels(testing::slurp(path)), dataSection(kData, "trace-read-in"));
 }
 
 }  // namespace
