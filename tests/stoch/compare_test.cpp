@@ -1,17 +1,22 @@
 // The Monte Carlo comparison: what every method of a run shares, what tells the methods apart,
-// the counting and averaging over runs, and the refusals; the comparison without updating.
+// where they must agree with the deterministic solution, the counting and averaging over runs, and
+// the refusals; the comparison without updating.
 #include "stoch/compare.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
+#include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "model/options.h"
 #include "numeric/matrix_ops.h"
+#include "solve/drivers.h"
 #include "stoch/monte_carlo_stats.h"
 #include "stoch/updating.h"
 #include "support/data_models.h"
@@ -32,8 +37,8 @@ Model learningModel(int policy = opt::kPolicyNo) {
   return model;
 }
 
-CompareResult compare(const Model& model, std::initializer_list<int> methods, int runs,
-                      RandomState& random, Prompter& prompter) {
+CompareResult compare(const Model& model, std::initializer_list<int> methods,
+                      std::optional<int> runs, RandomState& random, Prompter& prompter) {
   CompareSettings s;
   for (int k : methods) s.methods[static_cast<std::size_t>(k)] = true;
   s.runs = runs;
@@ -96,6 +101,54 @@ TEST(Compare, OlinDiffersFromOlfOnlyThroughThePolicyEffect) {
     EXPECT_EQ(r.mcResults[1][kOlf] == r.mcResults[1][kOlIn], n == 0.0) << n;
   }
 }
+
+// Learning in a forward-looking model (two states, one control, lead 1; the one uncertain
+// parameter is B(1, 1), in the Pindyck form B1(1, 1) as A0 only links state 2 to state 1). With
+// nothing random and the estimate starting at the truth the filter has nothing to learn: CE and
+// CEWO steer as the deterministic solution does, and HCFR's true path (u = -0.4 x1 + 0.6) solves
+// the model's own x(t+1) = A0 x(t+1) + D1 x(t+1) + A x(t) + B u(t) + c, the lead being the path.
+class ForwardLearning : public ::testing::TestWithParam<bool> {};
+
+TEST_P(ForwardLearning, CertaintyEquivalenceIsTheDeterministicSolution) {
+  const bool pindyck = GetParam();
+  const Model model = testing::dataModel(pindyck ? "forward_pindyck.ovi" : "forward_regular.ovi");
+  RandomState random;
+  RecordingPrompter prompter;
+  const std::optional<Solution> qlp = solveQlp(model, prompter, SolveTrace());
+  ASSERT_TRUE(qlp.has_value());
+  const CompareResult r = compare(model, {kHcfr, kCe, kCeWo}, std::nullopt, random, prompter);
+  ASSERT_EQ(r.status, 1);
+  for (const auto& message : prompter.messages())
+    EXPECT_EQ(message.caption.rfind("Warning", 0), std::string::npos) << message.text;
+  for (std::size_t k : {kCe, kCeWo}) {
+    SCOPED_TRACE(kMethodNames[k]);
+    for (const auto& run : r.mcResults) EXPECT_NEAR(run[k], qlp->criterion, 1e-9 * qlp->criterion);
+    for (int t = 0; t < r.nt; ++t) EXPECT_NEAR(r.lastRun[k].us(1, t), qlp->us(1, t), 1e-7) << t;
+    for (int t = 0; t <= r.nt; ++t) EXPECT_NEAR(r.lastRun[k].thetas(1, t), 0.5, 1e-13) << t;
+  }
+  auto v = [&](MatrixId id, int i, int j) {
+    const TextMatrix* m = model.matrix(id);
+    return m == nullptr ? 0.0 : std::atof(std::string(m->cell(i, j)).c_str());
+  };
+  const RunPaths& p = r.lastRun[kHcfr];
+  const MatrixId a = pindyck ? MatrixId::A1 : MatrixId::A, b = pindyck ? MatrixId::B1 : MatrixId::B;
+  const MatrixId c = pindyck ? MatrixId::C1 : MatrixId::C,
+                 d = pindyck ? MatrixId::DHAT1 : MatrixId::D1;
+  for (int t = 0; t < r.nt; ++t) {
+    EXPECT_NEAR(p.us(1, t), v(MatrixId::G, 0, 0) * p.xs(1, t) + v(MatrixId::g, 0, 0), 1e-12);
+    for (int i = 0; i < 2; ++i) {
+      double residual = p.xs(i + 1, t + 1) - v(b, i, 0) * p.us(1, t) - v(c, i, 0);
+      for (int j = 0; j < 2; ++j)
+        residual -= (pindyck ? v(MatrixId::A0, i, j) : 0.0) * p.xs(j + 1, t + 1) +
+                    v(d, i, j) * p.xs(j + 1, t + 1) + v(a, i, j) * p.xs(j + 1, t);
+      EXPECT_NEAR(residual, 0.0, 1e-7) << "state " << i + 1 << ", period " << t;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Forms, ForwardLearning, ::testing::Bool(), [](const auto& info) {
+  return std::string(info.param ? "Pindyck" : "Regular");
+});
 
 TEST(Compare, TheStreamContinuesFromOneComparisonToTheNext) {
   const Model model = learningModel();
@@ -196,24 +249,20 @@ TEST(Compare, PathStatisticsFollowTheirDefinitions) {
   Mat xdes = mat2(1, 1, 0, 2), udes = mat2(1, 1, 0, 1);
   for (int t = 0; t <= 2; ++t) xdes(1, t) = 2;
   pathStatistics(result, paths, xdes, udes, DebugSwitches{}, nullptr);
-  const auto& s = result.statistics;
-  // Average path over runs: 2, 3, 4; its variance over time: ((−1)² + 0 + 1²) / 2 = 1.
-  EXPECT_EQ(s.at("AvgXsCe")(1, 0), 2.0);
-  EXPECT_EQ(s.at("AvgXsCe")(1, 2), 4.0);
-  EXPECT_EQ(s.at("VarAvgXsCe")(1, 1), 1.0);
-  // Controls average 2, 3: mean 2.5, variance (0.25 + 0.25) / 1.
-  EXPECT_EQ(s.at("VarAvgUsCe")(1, 1), 0.5);
-  // Per run over time: run 1 mean 3, variance (4 + 1 + 9) / 2 = 7; run 2 mean 3, variance 1.
-  EXPECT_EQ(s.at("AvgXsTimeCe")(1, 1), 3.0);
-  EXPECT_EQ(s.at("VarXsTimeCe")(1, 1), 7.0);
-  EXPECT_EQ(s.at("VarXsTimeCe")(1, 2), 1.0);
-  EXPECT_EQ(s.at("VarXsTimeCeT")(2, 1), 1.0);
-  // Squared differences from the desired path: run 1: 1 + 0 + 16, run 2: 1 + 4 + 0.
-  EXPECT_EQ(s.at("SumSqDiffXsCe")(1, 1), 17.0);
-  EXPECT_EQ(s.at("AvgSumSqDiffXsCe")(1, 1), 11.0);
-  EXPECT_EQ(s.at("AvgVarXsTimeCe")(1, 1), 4.0);
-  EXPECT_EQ(s.at("AvgAvgXsTimeCe")(1, 1), 3.0);
-  EXPECT_EQ(s.count("AvgXsHcfr"), 0u);  // only the selected methods
+  // Average path over runs 2, 3, 4, its variance over time ((-1)^2 + 0 + 1^2) / 2 = 1; controls
+  // average 2, 3: variance (0.25 + 0.25) / 1. Per run over time: run 1 mean 3, variance
+  // (4 + 1 + 9) / 2 = 7; run 2 mean 3, variance 1. Squared differences from the desired path:
+  // run 1: 1 + 0 + 16, run 2: 1 + 4 + 0.
+  const std::tuple<const char*, int, int, double> expected[] = {
+      {"AvgXsCe", 1, 0, 2.0},        {"AvgXsCe", 1, 2, 4.0},
+      {"VarAvgXsCe", 1, 1, 1.0},     {"VarAvgUsCe", 1, 1, 0.5},
+      {"AvgXsTimeCe", 1, 1, 3.0},    {"VarXsTimeCe", 1, 1, 7.0},
+      {"VarXsTimeCe", 1, 2, 1.0},    {"VarXsTimeCeT", 2, 1, 1.0},
+      {"SumSqDiffXsCe", 1, 1, 17.0}, {"AvgSumSqDiffXsCe", 1, 1, 11.0},
+      {"AvgVarXsTimeCe", 1, 1, 4.0}, {"AvgAvgXsTimeCe", 1, 1, 3.0}};
+  for (const auto& [name, i, j, v] : expected)
+    EXPECT_EQ(result.statistics.at(name)(i, j), v) << name;
+  EXPECT_EQ(result.statistics.count("AvgXsHcfr"), 0u);  // only the selected methods
 }
 
 TEST(Updating, TheHandcraftedRuleWithoutNoiseAndItsCriterion) {

@@ -18,11 +18,9 @@ namespace ovaro {
 namespace {
 
 struct Exchange {
-  Exchange(int n, std::vector<long long> hand)
-      : size(n), others(hand), inbox(static_cast<std::size_t>(n)) {}
   int size;
   std::vector<long long> others;  // what every other process hands in at the join
-  std::vector<std::deque<RunBytes>> inbox;
+  std::vector<std::deque<RunBytes>> inbox = std::vector<std::deque<RunBytes>>(3);
   std::size_t received = 0;  // bytes process 0 took from the others
 };
 
@@ -117,13 +115,13 @@ TEST_P(SharedRuns, EveryWayOfSharingRecordsTheTracedResult) {
   ASSERT_EQ(serial.rfind("1 23", 0), 0u);
   for (int n : {2, 3}) {
     const int threads = n == 2 ? 3 : 16;
-    Exchange x(n, {1, 23, threads});  // every process takes part, with 23 runs
+    Exchange x{n, {1, 23, threads}};  // every process takes part, with 23 runs
     EXPECT_EQ(shared(model, x, threads), serial) << n;
     EXPECT_GT(x.received, 0u);  // the others did solve runs
   }
   // A process that stops before its runs (one that cannot read the model, say) leaves process 0
   // to solve every run itself, and the other to solve none.
-  Exchange x(2, {0, 0, 0});
+  Exchange x{2, {0, 0, 0}};
   EXPECT_EQ(shared(model, x, 2), serial);
   EXPECT_EQ(x.received, 0u);
 }
