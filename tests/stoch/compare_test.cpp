@@ -31,10 +31,8 @@ void set(Model& model, MatrixId id, int r, int c, double v) {
 
 // Two states, one control, one uncertain parameter in B(1, 1), five periods, additive noise, and
 // the handcrafted rule u = -0.4 x1 - 0.1 x2 + 0.6.
-Model learningModel(int policy = opt::kPolicyNo) {
-  Model model = testing::dataModel("learning.ovi");
-  model.flags.policyToParam = policy;
-  return model;
+Model learningModel() {
+  return testing::dataModel("learning.ovi");
 }
 
 CompareResult compare(const Model& model, std::initializer_list<int> methods,
@@ -47,7 +45,7 @@ CompareResult compare(const Model& model, std::initializer_list<int> methods,
   return maincompare(model, s, random, prompter, progress);
 }
 
-TEST(Compare, EveryMethodOfARunStartsFromTheSameDraws) {
+TEST(Compare, EveryMethodOfARunStartsFromTheSameDrawsAndTheStreamGoesOn) {
   RandomState random;
   RecordingPrompter prompter;
   const CompareResult r =
@@ -75,30 +73,30 @@ TEST(Compare, EveryMethodOfARunStartsFromTheSameDraws) {
     EXPECT_NEAR(p.criterion, c, 1e-12 * c);
     EXPECT_EQ(r.mcResults[0][k], p.criterion);
   }
+  // The stream goes on from one comparison to the next; a fresh one starts it again.
+  RandomState fresh;
+  EXPECT_NE(compare(learningModel(), {kCe}, 1, random, prompter).mcResults[0][kCe], ce.criterion);
+  EXPECT_EQ(compare(learningModel(), {kCe}, 1, fresh, prompter).mcResults[0][kCe], ce.criterion);
 }
 
-// No parameter variance and no parameter noise: the OLF expectations reduce to the certainty
-// equivalent, so the two methods steer the same economy the same way from the same draws.
-TEST(Compare, WithAKnownParameterOlfChoosesWhatCeChooses) {
-  Model model = learningModel();
-  set(model, MatrixId::SITT0, 0, 0, 0.0);
-  model.randomSwitches.uncertainParameters = 0;
-  RandomState random;
-  RecordingPrompter prompter;
-  const CompareResult r = compare(model, {kCe, kOlf}, 3, random, prompter);
-  ASSERT_EQ(r.status, 1);
-  for (const auto& run : r.mcResults) EXPECT_NEAR(run[kCe], run[kOlf], 1e-9);
-}
-
-TEST(Compare, OlinDiffersFromOlfOnlyThroughThePolicyEffect) {
-  Model model = learningModel(opt::kPolicyYes);
-  RecordingPrompter prompter;
-  for (double n : {0.0, 0.05}) {  // N = 0: the policy effect is zero
+// Where two methods must steer alike from the same draws: with no parameter variance and no
+// parameter noise the OLF expectations reduce to the certainty equivalent; OLIN is OLF but for the
+// policy effect, which a zero N removes.
+TEST(Compare, MethodsAgreeWhereTheirDifferenceVanishes) {
+  for (const auto& [known, policy, n, a, b, same] :
+       {std::tuple{true, opt::kPolicyNo, 0.0, kCe, kOlf, true},
+        {false, opt::kPolicyYes, 0.0, kOlf, kOlIn, true},
+        {false, opt::kPolicyYes, 0.05, kOlf, kOlIn, false}}) {
+    Model model = learningModel();
+    if (known) set(model, MatrixId::SITT0, 0, 0, 0.0), model.randomSwitches.uncertainParameters = 0;
+    model.flags.policyToParam = policy;
     set(model, MatrixId::N, 0, 0, n);
     RandomState random;
-    const CompareResult r = compare(model, {kOlf, kOlIn}, 2, random, prompter);
+    RecordingPrompter prompter;
+    const CompareResult r = compare(model, {a, b}, 3, random, prompter);
     ASSERT_EQ(r.status, 1);
-    EXPECT_EQ(r.mcResults[1][kOlf] == r.mcResults[1][kOlIn], n == 0.0) << n;
+    for (const auto& run : r.mcResults)
+      EXPECT_EQ(std::abs(run[a] - run[b]) < 1e-9, same) << kMethodNames[b] << " " << n;
   }
 }
 
@@ -149,15 +147,6 @@ TEST_P(ForwardLearning, CertaintyEquivalenceIsTheDeterministicSolution) {
 INSTANTIATE_TEST_SUITE_P(Forms, ForwardLearning, ::testing::Bool(), [](const auto& info) {
   return std::string(info.param ? "Pindyck" : "Regular");
 });
-
-TEST(Compare, TheStreamContinuesFromOneComparisonToTheNext) {
-  const Model model = learningModel();
-  RecordingPrompter prompter;
-  RandomState random, fresh;
-  const CompareResult first = compare(model, {kCe}, 2, random, prompter);
-  EXPECT_NE(compare(model, {kCe}, 2, random, prompter).mcResults[0][kCe], first.mcResults[0][kCe]);
-  EXPECT_EQ(compare(model, {kCe}, 2, fresh, prompter).mcResults, first.mcResults);
-}
 
 TEST(Compare, SummaryMessagesAndRefusals) {
   Model model = learningModel();

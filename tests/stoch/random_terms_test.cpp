@@ -14,6 +14,7 @@
 #include <functional>
 #include <limits>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "model/options.h"
@@ -55,13 +56,12 @@ SolveTrace traceOf(DebugFile& file, std::initializer_list<SolveTopic> topics) {
 
 // What `write` leaves in a fresh debug file.
 std::string written(const std::function<void(DebugFile&)>& write) {
-  testing::TempDir dir;
-  {
-    DebugFile f;
-    EXPECT_TRUE(f.open(dir.file("random.dbg")));
-    write(f);
-  }
-  return testing::slurp(dir.file("random.dbg"));
+  TempDir dir;
+  DebugFile f;
+  EXPECT_TRUE(f.open(dir.file("random.dbg")));
+  write(f);
+  f.close();
+  return slurp(dir.file("random.dbg"));
 }
 
 TEST(StandardNormal, PolarPairsOfQuarnsUniformsWithTheSecondCachedWithoutTouchingTheSeed) {
@@ -219,15 +219,11 @@ TEST(MonteCarlo, DrawsEveryTermInTheFixedOrder) {
   RandomTerms t = makeRandomTerms(2, 3, 2, 2);
   MonteCarlo(st, src, t, p, SolveTrace());
   // Per-period terms column by column, then theta0's draw, then x0's.
-  const struct {
-    const Mat* m;
-    int first;
-    double sd1, sd2;
-  } order[] = {{&t.xsis, 0, 2.0, 3.0}, {&t.zetas, 1, 4.0, 0.5}, {&t.etas, 0, 1.0, 2.0}};
-  for (const auto& o : order)
-    for (int k = o.first; k <= o.first + 2; ++k) {
-      EXPECT_EQ((*o.m)(1, k), o.sd1 * standardNormal(ref)) << k;
-      EXPECT_EQ((*o.m)(2, k), o.sd2 * standardNormal(ref)) << k;
+  for (const auto& [m, first, sd1, sd2] :
+       {std::tuple{&t.xsis, 0, 2.0, 3.0}, {&t.zetas, 1, 4.0, 0.5}, {&t.etas, 0, 1.0, 2.0}})
+    for (int k = first; k <= first + 2; ++k) {
+      EXPECT_EQ((*m)(1, k), sd1 * standardNormal(ref)) << k;
+      EXPECT_EQ((*m)(2, k), sd2 * standardNormal(ref)) << k;
     }
   EXPECT_EQ(t.thetarandom(1, 1), 0.5 + 3.0 * standardNormal(ref));
   EXPECT_EQ(t.thetarandom(2, 1), -1.0 + 1.0 * standardNormal(ref));
@@ -295,7 +291,7 @@ TEST(MonteCarlo, SwitchedOffAndZeroCovariancesGiveZeroTermsButParameterNoiseStil
 TEST(GenerateRandomTerms, RunsMonteCarloAndAccumulatesTheMoments) {
   RecordingPrompter p;
   RandomSources src = sources(2, 3, 2, 2);
-  RandomState st, ref;
+  RandomState st;
   RandomTerms t = makeRandomTerms(2, 3, 2, 2);
   RandomAccumulators acc = makeRandomAccumulators(2, 2), sums = acc;
   for (int run = 0; run < 2; ++run) {
@@ -309,9 +305,6 @@ TEST(GenerateRandomTerms, RunsMonteCarloAndAccumulatesTheMoments) {
       }
     }
   }
-  RandomTerms r = makeRandomTerms(2, 3, 2, 2);
-  for (int run = 0; run < 2; ++run) MonteCarlo(ref, src, r, p, SolveTrace());
-  EXPECT_TRUE(r.thetarandom(2, 1) == t.thetarandom(2, 1) && r.etas(2, 2) == t.etas(2, 2));
   for (int i = 1; i <= 2; ++i)
     for (int j = 1; j <= 2; ++j) {
       EXPECT_DOUBLE_EQ(acc.thetaSum(i, 1), sums.thetaSum(i, 1));
@@ -392,12 +385,8 @@ TEST(Seeds, DialogTextsSetTheSeedsButNotTheSpareAndHeadTheDebugFile) {
   EXPECT_EQ(st.quarnsSeedText, "0.25");
   EXPECT_EQ(standardNormal(st), spare);
   EXPECT_EQ(quarnsUniform(st), referenceStep(0.25f));
-  applySeedTexts(st, "123456789", "0.123456789");  // the fields hold eight characters
-  EXPECT_EQ(st.vxSeed, 12345678);
-  EXPECT_EQ(st.quarnsSeed, 0.123456f);
   applySeedTexts(st, "x", "1e99");
-  EXPECT_EQ(st.vxSeed, 0);
-  EXPECT_TRUE(std::isinf(st.quarnsSeed));
+  EXPECT_TRUE(st.vxSeed == 0 && std::isinf(st.quarnsSeed));
 
   st.quarnsSeed = 0.25f;
   st.vxSeed = -3;
