@@ -41,8 +41,8 @@ Model learningModel() {
 }
 
 CompareResult compare(const Model& model, std::initializer_list<int> methods,
-                      std::optional<int> runs, RandomState& random, Prompter& prompter) {
-  CompareSettings s;
+                      std::optional<int> runs, RandomState& random, Prompter& prompter,
+                      CompareSettings s = {}) {
   for (int k : methods) s.methods[static_cast<std::size_t>(k)] = true;
   s.runs = runs;
   s.eps = macheps();
@@ -292,10 +292,6 @@ TEST(Updating, TheHandcraftedRuleWithoutNoiseAndItsCriterion) {
   char text[64];
   std::snprintf(text, sizeof text, "HCFR Criterion: HCFR Criterion = %E", r.criteria[0]);
   EXPECT_EQ(testing::shown(prompter), std::vector<std::string>{text});
-  prompter.clear();
-  model.flags.stochTerms = opt::kDeterministic;
-  EXPECT_EQ(maincompareWoUpdating(model, settings, random, prompter, progress).status, 0);
-  EXPECT_EQ(prompter.messages().at(0).caption, "Warning!!");
 }
 
 // The same runs however they are shared: a traced comparison runs them in order on one thread;
@@ -343,16 +339,10 @@ std::string compareIn(const Model& model, RunDistributor* d, int threads, bool t
   DebugFile file;
   EXPECT_TRUE(!traced || file.open(dir.file("run.dbg")));
   RecordingPrompter prompter;
-  NullProgress progress;
   RandomState random;
-  CompareSettings settings;
-  settings.methods = {true, true, true, true, true};
-  settings.runs = 23;
-  settings.eps = macheps();
-  settings.threads = threads;
-  settings.distributor = d;
-  settings.file = traced ? &file : nullptr;
-  CompareResult r = maincompare(model, settings, random, prompter, progress);
+  CompareSettings s;
+  s.threads = threads, s.distributor = d, s.file = traced ? &file : nullptr;
+  CompareResult r = compare(model, {kHcfr, kCe, kCeWo, kOlf, kOlIn}, 23, random, prompter, s);
   std::ostringstream t;
   t << std::hexfloat << r.status << ' ' << r.runs;
   if (d != nullptr && d->rank() > 0) return t.str();
