@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstdlib>
 #include <deque>
@@ -55,8 +56,7 @@ TEST(Compare, EveryMethodOfARunStartsFromTheSameDrawsAndTheStreamGoesOn) {
   RecordingPrompter prompter;
   const CompareResult r =
       compare(learningModel(), {kHcfr, kCe, kCeWo, kOlf, kOlIn}, 1, random, prompter);
-  ASSERT_EQ(r.status, 1);
-  ASSERT_EQ(r.runs, 1);
+  ASSERT_TRUE(r.status == 1 && r.runs == 1);
   const RunPaths& ce = r.lastRun[kCe];
   EXPECT_NE(ce.thetas(1, 0), 0.5) << "the initial estimate is a draw, not theta0";
   bool moved = false;  // CE learns; CEWO never moves its estimate
@@ -179,53 +179,47 @@ TEST(Compare, SummaryMessagesAndRefusals) {
   for (const Message& m : one.messages()) EXPECT_NE(m.caption, "Method Count");
 
   // No runs, a zero Q declined (it asks first, No stops the solve), a deterministic model.
-  const struct {
-    int runs, status;
-    std::string shown;
-  } refusals[] = {{0, 1, "Warning!: Number of Monte Carlo runs set to zero so no solution."},
-                  {2, 0, "Warning!: Q(1,1) is very small."},
-                  {2, -1,
-                   "Warning!!: Warning: Need complexity of stochastic \t\t   \r or greater for "
-                   "Solve:Compare.  Use Solve:QLP instead."}};
-  for (const auto& f : refusals) {
-    if (f.status == 0) set(model, MatrixId::Q, 0, 0, 0.0);
-    if (f.status == -1) model.flags.stochTerms = opt::kDeterministic;
+  for (const auto& [runs, status, text] :
+       {std::tuple{0, 1, "Warning!: Number of Monte Carlo runs set to zero so no solution."},
+        {2, 0, "Warning!: Q(1,1) is very small."},
+        {2, -1,
+         "Warning!!: Warning: Need complexity of stochastic \t\t   \r or greater for "
+         "Solve:Compare.  Use Solve:QLP instead."}}) {
+    if (status == 0) set(model, MatrixId::Q, 0, 0, 0.0);
+    if (status == -1) model.flags.stochTerms = opt::kDeterministic;
     RecordingPrompter p;
     p.scriptAnswer(Answer::No);
-    EXPECT_EQ(compare(model, {kCe}, f.runs, random, p).status, f.status);
+    EXPECT_EQ(compare(model, {kCe}, runs, random, p).status, status);
     const std::vector<std::string> shown = testing::shown(p);
     ASSERT_EQ(shown.size(), 1u);
-    EXPECT_EQ(shown[0].substr(0, f.shown.size()), f.shown);
-    EXPECT_EQ(p.messages()[0].buttons == Buttons::YesNo, f.status == 0);
+    EXPECT_EQ(shown[0].rfind(text, 0), 0u) << shown[0];
+    EXPECT_EQ(p.messages()[0].buttons == Buttons::YesNo, status == 0);
   }
 }
 
-// Only the selections listed here count: in a pair a tie goes to the method named first, in a
-// triple every tied method counts. Every selection against a direct count.
+// Only the selections listed here (bit k: method k) count: in a pair a tie goes to the method
+// named first, in a triple every tied method counts. Every selection against a direct count.
 TEST(Compare, LowestCriterionCountsOnlyTheListedSelections) {
-  const std::vector<std::vector<std::size_t>> counted = {
-      {kHcfr, kCe},  {kCe, kCeWo},  {kCe, kOlf},        {kCe, kOlIn},       {kCeWo, kOlf},
-      {kOlf, kOlIn}, {kHcfr, kOlf}, {kHcfr, kCe, kOlf}, {kCe, kOlf, kOlIn}, {kCeWo, kOlf, kOlIn}};
+  const unsigned counted[] = {0b00011, 0b00110, 0b01010, 0b10010, 0b01100,
+                              0b11000, 0b01001, 0b01011, 0b11010, 0b11100};
   const std::array<double, kMethodCount> criteria[] = {
       {1, 1, 1, 1, 1}, {1, 2, 3, 4, 5}, {5, 4, 3, 2, 1}, {2, 1, 2, 1, 2}, {1, 2, 1, 2, 1}};
-  for (unsigned bits = 0; bits < 32; ++bits) {
-    MethodSelection sel{};
-    std::vector<std::size_t> on;
-    for (std::size_t k = 0; k < kMethodCount; ++k)
-      if ((bits >> k & 1u) != 0) sel[k] = true, on.push_back(k);
-    const bool listed = std::find(counted.begin(), counted.end(), on) != counted.end();
+  for (unsigned bits = 0; bits < 32; ++bits)
     for (const auto& c : criteria) {
+      MethodSelection sel{};
       std::array<unsigned, kMethodCount> got{}, want{};
-      countLowestCriterion(sel, c, got);
       double low = std::numeric_limits<double>::infinity();
-      for (std::size_t k : on) low = std::min(low, c[k]);
-      unsigned taken = 0;
-      for (std::size_t k : on)
-        if (listed && c[k] == low && (on.size() == 3 || taken == 0)) want[k] = 1, ++taken;
+      for (std::size_t k = 0; k < kMethodCount; ++k)
+        if ((sel[k] = (bits >> k & 1u) != 0)) low = std::min(low, c[k]);
+      countLowestCriterion(sel, c, got);
+      const bool listed =
+          std::find(std::begin(counted), std::end(counted), bits) != std::end(counted);
+      for (std::size_t k = 0, taken = 0; k < kMethodCount; ++k)
+        if (listed && sel[k] && c[k] == low && (std::popcount(bits) == 3 || taken++ == 0))
+          want[k] = 1;
       EXPECT_EQ(got, want) << "selection " << bits << ", criteria " << c[0] << c[1] << c[2] << c[3]
                            << c[4];
     }
-  }
 }
 
 TEST(Compare, PathStatisticsFollowTheirDefinitions) {
@@ -266,9 +260,7 @@ TEST(Updating, TheHandcraftedRuleWithoutNoiseAndItsCriterion) {
   NullProgress progress;
   RecordingPrompter prompter;
   UpdatingSettings settings;
-  settings.methods.hcfr = true;
-  settings.runs = 1;
-  settings.eps = macheps();
+  settings.methods.hcfr = true, settings.runs = 1, settings.eps = macheps();
   UpdatingResult r = maincompareWoUpdating(model, settings, random, prompter, progress);
   ASSERT_EQ(r.status, 1);
   EXPECT_TRUE(r.criteria.empty());
@@ -306,20 +298,18 @@ struct Exchange {
 };
 
 struct SequentialDistributor : RunDistributor {
-  SequentialDistributor(Exchange& x, int rank) : x_(x), rank_(rank) {}
-  int rank() const override { return rank_; }
+  SequentialDistributor(Exchange& x, int rank) : x_(x), rank_(static_cast<std::size_t>(rank)) {}
+  int rank() const override { return static_cast<int>(rank_); }
   int size() const override { return x_.size; }
   std::vector<long long> allGather(const std::vector<long long>& mine) override {
     std::vector<long long> all;
-    for (int r = 0; r < x_.size; ++r) {
+    for (std::size_t r = 0; r < static_cast<std::size_t>(x_.size); ++r) {
       const std::vector<long long>& part = r == rank_ ? mine : x_.others;
       all.insert(all.end(), part.begin(), part.end());
     }
     return all;
   }
-  void sendToFirst(const RunBytes& bytes) override {
-    x_.inbox[static_cast<std::size_t>(rank_)].push_back(bytes);
-  }
+  void sendToFirst(const RunBytes& bytes) override { x_.inbox[rank_].push_back(bytes); }
   RunBytes receiveFrom(int from) override {
     auto& box = x_.inbox[static_cast<std::size_t>(from)];
     RunBytes bytes = std::move(box.at(0));  // throws when nothing was sent
@@ -328,7 +318,7 @@ struct SequentialDistributor : RunDistributor {
     return bytes;
   }
   Exchange& x_;
-  int rank_;
+  std::size_t rank_;
 };
 
 // One process's comparison of 23 runs (not a multiple of any batch), as text that holds every

@@ -87,8 +87,6 @@ TEST(StandardNormal, PolarPairsOfQuarnsUniformsWithTheSecondCachedWithoutTouchin
   // 2.0 x 566927 x 3612 + 5701 wraps to a negative int, and the remainder stays negative.
   const long long wrapped = 1133854LL * 3612 + 5701 - 4294967296LL;
   EXPECT_EQ(quarnsStep(2.0f), (static_cast<double>(wrapped % 566927) + 0.5) / 566927.0);
-  for (float seed : {-0.5f, 7.25f, 1.0e10f, std::numeric_limits<float>::infinity()})
-    EXPECT_TRUE(std::isfinite(quarnsStep(seed))) << seed;
 }
 
 // The shuffle generator's first draws from a seed: a 15-bit integer generator (state x 214013 +
@@ -244,11 +242,6 @@ TEST(MonteCarlo, SwitchedOffAndZeroCovariancesGiveZeroTermsButParameterNoiseStil
   EXPECT_TRUE(allEqual(t.thetarandom, 7.0)) << "left as the caller set it";
   EXPECT_EQ(t.x0random(2, 1), 20.0);
   expectSameStream(st, skipped(RandomState(), 3 * 1));  // nt x np, nothing more
-  Mat xsis = filledMat(1, 2, 0, 2, 5.0);
-  RandomState untouched;
-  MonteCarloXsis(untouched, src, xsis, p, SolveTrace());
-  EXPECT_TRUE(allEqual(xsis, 0.0));
-  expectSameStream(untouched, RandomState());
 
   // The initial parameter draw takes the normals after the thrown-away ones.
   src.switches.uncertainParameters = 1;
@@ -369,6 +362,7 @@ TEST(Seeds, DialogTextsSetTheSeedsButNotTheSpareAndHeadTheDebugFile) {
   EXPECT_EQ(quarnsUniform(st), referenceStep(0.25f));
   applySeedTexts(st, "x", "1e99");
   EXPECT_TRUE(st.vxSeed == 0 && std::isinf(st.quarnsSeed));
+  EXPECT_TRUE(std::isfinite(standardNormal(st))) << "a seed out of range still draws";
 
   st.quarnsSeed = 0.25f;
   st.vxSeed = -3;
