@@ -45,8 +45,7 @@ CompareResult compare(const Model& model, std::initializer_list<int> methods,
                       std::optional<int> runs, RandomState& random, Prompter& prompter,
                       CompareSettings s = {}) {
   for (int k : methods) s.methods[static_cast<std::size_t>(k)] = true;
-  s.runs = runs;
-  s.eps = macheps();
+  s.runs = runs, s.eps = macheps();
   NullProgress progress;
   return maincompare(model, s, random, prompter, progress);
 }
@@ -190,9 +189,8 @@ TEST(Compare, SummaryMessagesAndRefusals) {
     RecordingPrompter p;
     p.scriptAnswer(Answer::No);
     EXPECT_EQ(compare(model, {kCe}, runs, random, p).status, status);
-    const std::vector<std::string> shown = testing::shown(p);
-    ASSERT_EQ(shown.size(), 1u);
-    EXPECT_EQ(shown[0].rfind(text, 0), 0u) << shown[0];
+    ASSERT_EQ(testing::shown(p).size(), 1u);
+    EXPECT_EQ(testing::shown(p)[0].rfind(text, 0), 0u) << testing::shown(p)[0];
     EXPECT_EQ(p.messages()[0].buttons == Buttons::YesNo, status == 0);
   }
 }
@@ -217,8 +215,7 @@ TEST(Compare, LowestCriterionCountsOnlyTheListedSelections) {
       for (std::size_t k = 0, taken = 0; k < kMethodCount; ++k)
         if (listed && sel[k] && c[k] == low && (std::popcount(bits) == 3 || taken++ == 0))
           want[k] = 1;
-      EXPECT_EQ(got, want) << "selection " << bits << ", criteria " << c[0] << c[1] << c[2] << c[3]
-                           << c[4];
+      EXPECT_EQ(got, want) << "selection " << bits << ", criteria " << &c - criteria;
     }
 }
 
@@ -237,10 +234,9 @@ TEST(Compare, PathStatisticsFollowTheirDefinitions) {
   Mat xdes = mat2(1, 1, 0, 2), udes = mat2(1, 1, 0, 1);
   for (int t = 0; t <= 2; ++t) xdes(1, t) = 2;
   pathStatistics(result, paths, xdes, udes, DebugSwitches{}, nullptr);
-  // Average path over runs 2, 3, 4, its variance over time ((-1)^2 + 0 + 1^2) / 2 = 1; controls
-  // average 2, 3: variance (0.25 + 0.25) / 1. Per run over time: run 1 mean 3, variance
-  // (4 + 1 + 9) / 2 = 7; run 2 mean 3, variance 1. Squared differences from the desired path:
-  // run 1: 1 + 0 + 16, run 2: 1 + 4 + 0.
+  // Average path over runs 2, 3, 4, its variance over time (1 + 0 + 1) / 2; controls average 2, 3:
+  // variance (0.25 + 0.25) / 1. Per run over time: means 3 and 3, variances (4 + 1 + 9) / 2 and 1.
+  // Squared differences from the desired path: 1 + 0 + 16 and 1 + 4 + 0.
   const std::tuple<const char*, int, int, double> expected[] = {
       {"AvgXsCe", 1, 0, 2.0},        {"AvgXsCe", 1, 2, 4.0},
       {"VarAvgXsCe", 1, 1, 1.0},     {"VarAvgUsCe", 1, 1, 0.5},
@@ -286,10 +282,9 @@ TEST(Updating, TheHandcraftedRuleWithoutNoiseAndItsCriterion) {
   EXPECT_EQ(testing::shown(prompter), std::vector<std::string>{text});
 }
 
-// The same runs however they are shared: a traced comparison runs them in order on one thread;
-// untraced ones go to a pool of threads, or to other processes (simulated one after another in
-// this program: the helpers first, their records kept in inboxes that process 0 then reads).
-// Every way must record the traced result to the bit, messages and stream position included.
+// The same runs however they are shared: a traced comparison runs them in order on one thread,
+// untraced ones on a pool of threads or other processes (simulated here one after another, their
+// records kept in inboxes for process 0). Each way records the traced result to the bit.
 struct Exchange {
   int size;
   std::vector<long long> others;  // what every other process hands in at the join
