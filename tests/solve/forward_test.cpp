@@ -6,19 +6,23 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 #include <string>
+#include <vector>
 
 #include "io/debug_file.h"
-#include "solve/drivers.h"
 #include "solve/stacked_reference.h"
-#include "support/temp_dir.h"
+#include "support/debug_labels.h"
 #include "support/test_data.h"
 
 namespace ovaro {
 namespace {
 
 using testing::baseCase;
+using Labels = std::vector<std::string>;
+
+long count(const Labels& l, const std::string& label) {
+  return std::count(l.begin(), l.end(), label);
+}
 
 TEST(ForwardLeads, LeadsBeyondTheHorizonAreTheTerminalState) {
   // One state, nt = 3, D1 = 2, D2 = 3, D3 = 5, x(t) = 10^(t+1); the columns past nt hold a value
@@ -80,27 +84,11 @@ TEST(ForwardConvergence, EpsIsThePlainSumOfSquaresFromT0) {
       ASSERT_EQ(CheckConvergence(7, 3, 1, 2, 3, now, old, eps, ctx, SolveTrace(&file, {})), 1);
       EXPECT_TRUE(ctx.notConverged);
     }
-    EXPECT_EQ(testing::slurp(path),
-              "\r\n\r\n\r\nWarning!  Reached iteration limit before \r\nreaching convergence "
-              "tolerance in CheckConvergence" +
-                  std::string(monteCarlo ? " \r\nwith method CE at time period 1 in Monte Carlo "
-                                           "run 7\r\n"
-                                         : ".\r\n\r\n"));
+    EXPECT_EQ(
+        testing::slurp(path),
+        testing::dataSection("solve_messages.txt", monteCarlo ? "forward-limit-debug-monte-carlo"
+                                                              : "forward-limit-debug")[0]);
   }
-}
-
-// The base case with forward variables up to `lead`; D_j = (0.12 / j) times a fixed pattern.
-Model forwardModel(int lead, int iterlim, const std::string& tolerance, testing::Dense d[3]) {
-  SpecFlags f = testing::constantFlags();
-  f.forwardVars = opt::kForwardYes;
-  Model model = testing::caseModel(baseCase(), f, opt::kDeterministic, 0, lead, iterlim, tolerance);
-  const MatrixId ids[] = {MatrixId::D1, MatrixId::D2, MatrixId::D3};
-  for (int j = 0; j < 3; ++j) {
-    const double s = j < lead ? 0.12 / (j + 1) : 0.0;
-    d[j] = {{s, 0.5 * s, 0.0}, {0.0, s, -0.25 * s}, {0.5 * s, 0.0, s}};
-    testing::setDense(model, ids[j], d[j]);
-  }
-  return model;
 }
 
 TEST(ForwardQlp, TheIterationEndsAtAFixedPointOfTheLeadAdjustment) {
@@ -110,7 +98,7 @@ TEST(ForwardQlp, TheIterationEndsAtAFixedPointOfTheLeadAdjustment) {
     testing::Dense d[3];
     RecordingPrompter prompter;
     const std::optional<Solution> s =
-        solveQlp(forwardModel(lead, 200, "1.0E-24", d), prompter, SolveTrace());
+        solveQlp(testing::forwardModel(lead, 200, "1.0E-24", d), prompter, SolveTrace());
     ASSERT_TRUE(s);
     EXPECT_TRUE(prompter.messages().empty());
     // The final path obeys the system with its own leads (beyond nt the terminal state).
@@ -129,16 +117,34 @@ TEST(ForwardQlp, TheIterationEndsAtAFixedPointOfTheLeadAdjustment) {
 
 TEST(ForwardQlp, WarnsOnlyWhenTheIterationLimitIsReached) {
   testing::Dense d[3];
-  const std::vector<std::string> warning{
-      "Warning!: Convergence in the forward variable loop\t\t\t\t\r failed. Use Solve:QLP:Print "
-      "\t\t\t\t\r with print for forward variables\t\t\t\t\r to track down the problem."};
+  const auto warning = testing::dataSection("solve_messages.txt", "forward-limit");
   // A limit of one never compares two iterations, so it never warns.
   const std::pair<int, const char*> cases[] = {{2, "1.0E-30"}, {200, "1.0E-20"}, {1, "1.0E-30"}};
   for (const auto& [iterlim, tolerance] : cases) {
     RecordingPrompter prompter;
-    ASSERT_TRUE(solveQlp(forwardModel(2, iterlim, tolerance, d), prompter, SolveTrace()));
+    ASSERT_TRUE(solveQlp(testing::forwardModel(2, iterlim, tolerance, d), prompter, SolveTrace()));
     EXPECT_EQ(testing::shown(prompter), iterlim == 2 ? warning : std::vector<std::string>{});
   }
+}
+
+TEST(ForwardQlp, TheLoopIsTracedIterationByIteration) {
+  testing::Dense d[3];
+  const Labels l = testing::debugLabels(testing::tracedSolve(
+      testing::forwardModel(3, 50, "1.0E-16", d), {DebugSwitch::QlpForwardLooking}));
+  // Every pass: the lead adjustment, then the convergence test of its controls.
+  const long passes = count(l, "cs in forward at top");
+  ASSERT_GE(passes, 2);
+  EXPECT_EQ(count(l, "xk3 in forward"), passes * baseCase().T);
+  EXPECT_EQ(count(l, "epsCurrent in CheckConvergence"), passes);
+  Labels loop, expected;
+  for (const std::string& s : l)
+    if (s.rfind("cs in forward at", 0) == 0 || s.rfind("CheckConvergence - iter", 0) == 0)
+      loop.push_back(s);
+  for (long p = 1; p <= passes; ++p)
+    expected.insert(expected.end(), {"cs in forward at top", "cs in forward at bottom",
+                                     "CheckConvergence - iter = " + std::to_string(p)});
+  EXPECT_EQ(loop, expected);
+  EXPECT_EQ(l.back(), "CheckConvergence - Convergence at iteration " + std::to_string(passes));
 }
 
 }  // namespace

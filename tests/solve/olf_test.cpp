@@ -12,12 +12,9 @@
 #include <utility>
 #include <vector>
 
-#include "io/debug_file.h"
-#include "solve/drivers.h"
 #include "solve/model_input.h"
 #include "solve/stacked_reference.h"
 #include "solve/system_forms.h"
-#include "support/temp_dir.h"
 #include "support/test_data.h"
 
 namespace ovaro {
@@ -189,19 +186,13 @@ TEST(OlfSolve, VarianceOfAControlCoefficientMakesTheControlCautious) {
 }
 
 TEST(OlfSolve, RefusesModelsWithoutUncertainty) {
-  const std::string head =
-      "Warning!!: Warning: Need stochastic terms specification \t\t   \r of 'uncertain parameters' "
-      "or "
-      "'measurement error' in \t\t   \r order to use the Solve: OLF solver.  Use the \t\t   \r ";
-  const std::pair<int, std::string> cases[] = {
-      {opt::kDeterministic, head + "Solve:QLP solver instead."},
-      {opt::kAdditiveNoise,
-       head + "Solve: Compare solver instead and select 'Certainty Equivalence'."}};
-  for (const auto& [stoch, text] : cases) {
+  const std::pair<int, const char*> cases[] = {{opt::kDeterministic, "olf-deterministic"},
+                                               {opt::kAdditiveNoise, "olf-additive-noise"}};
+  for (const auto& [stoch, section] : cases) {
     RecordingPrompter prompter;
     EXPECT_FALSE(
         solveOlf(caseModel(baseCase(), constantFlags(), stoch), {}, prompter, SolveTrace()));
-    EXPECT_EQ(testing::shown(prompter), std::vector<std::string>{text});
+    EXPECT_EQ(testing::shown(prompter), testing::dataSection("solve_messages.txt", section));
   }
 }
 
@@ -233,7 +224,7 @@ TEST(OlfSolve, CautionExperimentPerturbsOneStepOfTheRecursion) {
     const FeedbackRule r = run({1, 1, 1, 0.8, period});
     const bool inside = period >= 1 && period <= k.T;
     EXPECT_EQ(testing::shown(prompter),
-              inside ? std::vector<std::string>{"Caution Experiment: Caution Experiment Turned On"}
+              inside ? testing::dataSection("solve_messages.txt", "olf-caution")
                      : std::vector<std::string>{});
     for (int t = 0; t < k.T; ++t)
       if (t >= period - 1 || !inside) {
@@ -277,10 +268,7 @@ TEST(OlfSolve, TracedWithEverySwitchOffWritesOnlyTheHeading) {
   ASSERT_TRUE(solveOlf(model, {}, prompter, qlpSolveTrace(&file, DebugSwitches{})));
   file.close();
   EXPECT_EQ(testing::slurp(dir.file("olf.dbg")),
-            " Debug File for OLF \r\n TESTMOD\n A model for tests\n"
-            "\r\n State Variables, n \n   3\r\n Control Variables, m \n   2"
-            "\r\n Exogenous Variables, l \n   1\r\n Uncertain Parameters, np \n   1"
-            "\r\n Time Periods, nt \n   4");
+            testing::dataSection("solve_messages.txt", "olf-debug-heading")[0]);
 }
 
 }  // namespace

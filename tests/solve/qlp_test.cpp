@@ -3,13 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <tuple>
 #include <vector>
 
-#include "numeric/prompter.h"
-#include "solve/drivers.h"
 #include "solve/stacked_reference.h"
+#include "support/debug_labels.h"
 #include "support/test_data.h"
 
 namespace ovaro {
@@ -145,6 +145,36 @@ TEST(QlpSolve, RefusesModelsItCannotSolve) {
                         SolveTrace()));
   EXPECT_EQ(testing::shown(prompter),
             std::vector<std::string>{"Error: Maximum Lead must be 1, 2 or 3."});
+}
+
+TEST(QlpTrace, SwitchesChooseTheDumpsInTheOrderOfTheAlgorithm) {
+  using Labels = std::vector<std::string>;
+  const Model model = caseModel(baseCase(), constantFlags());
+  const std::string content = testing::tracedSolve(model, {DebugSwitch::QlpAll});
+  ASSERT_EQ(content.rfind("Debug File for QLP \n", 0), 0u);
+  const Labels l = testing::debugLabels(content);
+  auto first = [&](const std::string& label) {
+    return std::find(l.begin(), l.end(), label) - l.begin();
+  };
+  auto count = [&](const std::string& label) { return std::count(l.begin(), l.end(), label); };
+  long previous = -1;
+  for (const std::string& label : testing::dataSection("qlp_trace.txt", "every-switch-order")) {
+    EXPECT_GT(first(label), previous) << label;
+    previous = first(label);
+  }
+  // The whole backward pass comes before the forward pass, one step per period each.
+  EXPECT_LT(l.rend() - std::find(l.rbegin(), l.rend(), "glc") - 1, first("xk in compu"));
+  const int T = baseCase().T;
+  for (const char* label : {"kj", "phi in comphi", "xk in compu"})
+    EXPECT_EQ(count(label), T) << label;
+  EXPECT_EQ(count("criterion"), 1);
+
+  EXPECT_EQ(testing::tracedSolve(model, {}), "Debug File for QLP ");
+  Labels gAndG = {"Debug File for QLP"};
+  for (int t = 0; t < T; ++t) gAndG.insert(gAndG.end(), {"g", "glc"});
+  EXPECT_EQ(testing::debugLabels(testing::tracedSolve(model, {DebugSwitch::QlpGAndG})), gAndG);
+  EXPECT_EQ(testing::debugLabels(testing::tracedSolve(model, {DebugSwitch::QlpCriterionValue})),
+            (Labels{"Debug File for QLP", "sum in sumc", "criterion"}));
 }
 
 }  // namespace

@@ -12,13 +12,18 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <initializer_list>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "io/debug_file.h"
 #include "model/model.h"
+#include "numeric/prompter.h"
+#include "solve/drivers.h"
 #include "support/dense.h"
 #include "support/model_fixtures.h"
+#include "support/temp_dir.h"
 
 namespace ovaro::testing {
 
@@ -169,6 +174,34 @@ inline Case baseCase(int T = 4) {
   k.xd.assign(T + 1, {2.0, 1.0, -1.0});
   k.ud.assign(T, {0.5, -0.25});
   return k;
+}
+
+// The base case with forward variables up to `lead`; D_j = (0.12 / j) times a fixed pattern.
+inline Model forwardModel(int lead, int iterlim, const std::string& tolerance, Dense d[3]) {
+  SpecFlags f = constantFlags();
+  f.forwardVars = opt::kForwardYes;
+  Model model = caseModel(baseCase(), f, opt::kDeterministic, 0, lead, iterlim, tolerance);
+  const MatrixId ids[] = {MatrixId::D1, MatrixId::D2, MatrixId::D3};
+  for (int j = 0; j < 3; ++j) {
+    const double s = j < lead ? 0.12 / (j + 1) : 0.0;
+    d[j] = {{s, 0.5 * s, 0.0}, {0.0, s, -0.25 * s}, {0.5 * s, 0.0, s}};
+    setDense(model, ids[j], d[j]);
+  }
+  return model;
+}
+
+// The debug file a QLP solve of the model writes with the given switches on.
+inline std::string tracedSolve(const Model& model, std::initializer_list<DebugSwitch> on) {
+  DebugSwitches switches;
+  for (DebugSwitch s : on) switches.set(s);
+  TempDir dir;
+  {
+    DebugFile file;
+    EXPECT_TRUE(file.open(dir.file("qlp.dbg")));
+    RecordingPrompter prompter;
+    EXPECT_TRUE(solveQlp(model, prompter, qlpSolveTrace(&file, switches)));
+  }
+  return slurp(dir.file("qlp.dbg"));
 }
 
 // |actual - expected| within a relative tolerance (absolute below 1).

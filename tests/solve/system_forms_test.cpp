@@ -73,10 +73,7 @@ TEST(IthnCheck, PlacesParametersAndReportsBadRows) {
   napar = imat2(1, n, 1, n), nbpar = imat2(1, n, 1, m), ncpar = imat2(1, n, 1, 1);
   ithnCheck(n, m, np, nmap, ithnTable(6, {{0, 0, 1}, {1, 2, 2}, {0, 1, 1}, {7, 1, 1}}), napar,
             nbpar, ncpar, prompter, SolveTrace());
-  EXPECT_EQ(testing::shown(prompter),
-            (std::vector<std::string>{
-                "Error in input.: Elements in columns 2 and 3 of ITHN must be > 0",
-                "Error in input.: Elements in column 1 of ITHN must be 0, 1 or 2."}));
+  EXPECT_EQ(testing::shown(prompter), testing::dataSection("solve_messages.txt", "ithn-bad-rows"));
   EXPECT_EQ(nbpar(2, 2), 2);  // row 2, read for parameter 2
   EXPECT_EQ(napar(1, 1), 3);  // row 3, read for parameter 3
   EXPECT_EQ(nbpar(1, 1), 0);  // row 4 (kind 7) places nothing
@@ -94,9 +91,7 @@ TEST(MapThetaToAbc, WritesThetaIntoTheSystemAndCIntoEveryPeriod) {
   MapThetaToAbc(n, m, nt, np, ithnTable(np, {{0, 2, 3}, {1, 3, 2}, {2, 2, 3}}), theta, a, b, cs,
                 prompter, SolveTrace());
   EXPECT_EQ(testing::shown(prompter),
-            std::vector<std::string>{
-                "Warning!!!!: Olf portion of code is presently \t\t\t\t\t\r able to accomodate "
-                "only a 'c' vector and not a \t\t\t\t\t\r 'C' matrix."});
+            testing::dataSection("solve_messages.txt", "c-matrix-warning"));
   for (int i = 1; i <= n; ++i) {
     for (int j = 1; j <= n; ++j) EXPECT_EQ(a(i, j), i == 2 && j == 3 ? 0.7 : a0(i, j));
     for (int j = 1; j <= m; ++j) EXPECT_EQ(b(i, j), i == 3 && j == 2 ? -1.5 : b0(i, j));
