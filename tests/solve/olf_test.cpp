@@ -146,20 +146,11 @@ TEST(OlfSolve, WithoutVarianceInAOrBItIsTheQlpSolution) {
 
 // One state, one control, one solver period: x1 = a x0 + b u + c with b uncertain.
 Case scalarCase() {
-  return {1,
-          1,
-          1,
-          1,
-          {},
-          {{0.8}},
-          {{0.5}},
-          {{0.2}},
-          {{1.0}},
-          {1.0},
-          {{1.0}, {1.0}},
-          {{0.5}},
-          {{2.0}, {2.0}},
-          {{0.1}}};
+  Case k;
+  k.n = k.m = k.l = k.T = 1;
+  k.a = {{0.8}}, k.b = {{0.5}}, k.c = {{0.2}}, k.z = {{1.0}}, k.x0 = {1.0};
+  k.w = {{1.0}, {1.0}}, k.lam = {{0.5}}, k.xd = {{2.0}, {2.0}}, k.ud = {{0.1}};
+  return k;
 }
 
 TEST(OlfSolve, VarianceOfAControlCoefficientMakesTheControlCautious) {

@@ -34,7 +34,7 @@ Solution solveOk(const Model& model) {
 // Every form of the system and the criterion: the solve is the stacked optimum, and it carries the
 // desired paths.
 TEST(QlpSolve, EveryFormMatchesTheStackedOptimum) {
-  Case tv = baseCase(), wn = baseCase(), one = baseCase(1), pk;
+  Case tv = baseCase(), wn = baseCase(), one = baseCase(1), pk = baseCase();
   for (int t = 0; t <= tv.T; ++t)
     for (int i = 0; i < tv.n; ++i)
       tv.w[t][i] += 0.25 * t * (i + 1), tv.xd[t][i] += 0.5 * t - 0.3 * i;
@@ -53,17 +53,7 @@ TEST(QlpSolve, EveryFormMatchesTheStackedOptimum) {
   one.w[1] = {2.0, 1.0, 4.0};  // one solver period, two model periods
   // With the quadratic-form criterion the desired paths give neither linear nor constant terms.
   quadratic.criterionForm = opt::kQuadraticForm;
-  pk.n = 2, pk.m = 1, pk.l = 1, pk.T = 3;
-  pk.a0 = {{0.0, 0.3}, {0.2, -0.1}};
-  pk.a = {{0.7, 0.1}, {-0.05, 0.6}};
-  pk.b = {{0.4}, {0.2}};
-  pk.c = {{1.0}, {0.5}};
-  pk.z.assign(pk.T, {0.8});
-  pk.x0 = {1.0, 2.0};
-  pk.w.assign(pk.T + 1, {1.5, 0.75});
-  pk.lam.assign(pk.T, {0.4});
-  pk.xd.assign(pk.T + 1, {3.0, -1.0});
-  pk.ud.assign(pk.T, {0.2});
+  pk.a0 = {{0.0, 0.3, 0.0}, {0.2, -0.1, 0.0}, {0.0, 0.0, 0.1}};  // A, B and C are A1, B1 and C1
   const std::tuple<const char*, Case, SpecFlags> cases[] = {
       {"constant forms", baseCase(), constantFlags()},
       {"time-varying weights, paths and exogenous", tv, varying},
