@@ -63,7 +63,8 @@ TEST(QlpSolve, EveryFormMatchesTheStackedOptimum) {
       {"Pindyck form", pk, constantFlags()}};
   for (const auto& [what, k, flags] : cases) {
     SCOPED_TRACE(what);
-    const Solution s = solveOk(caseModel(k, flags));
+    const Model model = caseModel(k, flags);
+    const Solution s = solveOk(model);
     const testing::Path ref = solveStacked(k, flags.criterionForm != opt::kQuadraticForm);
     ASSERT_EQ(s.method, "QLP");
     ASSERT_EQ(s.nt, k.T);
@@ -80,6 +81,13 @@ TEST(QlpSolve, EveryFormMatchesTheStackedOptimum) {
         expectClose(s.utws(j + 1, t), k.ud[t][j], 1e-15, "udes");
       }
     expectClose(s.criterion, ref.criterion, kRel, "criterion");
+    // The sum of the deviations, the other way of summing the tracking criterion.
+    CriterionArrays crit;
+    ASSERT_EQ(criterionInput(model, SolveTrace(), crit), 1);
+    if (crit.tracking == 1)
+      expectClose(SumTracking(k.n, k.m, k.T, crit.ws, crit.lams, crit.xtws, crit.utws, s.xs, s.us,
+                              SolveTrace()),
+                  ref.criterion, kRel, "SumTracking");
   }
   // The terminal weight and the desired paths really enter: without them the optimum differs.
   EXPECT_GT(std::fabs(solveOk(caseModel(wn, constantFlags())).us(1, wn.T - 1) -
@@ -88,36 +96,6 @@ TEST(QlpSolve, EveryFormMatchesTheStackedOptimum) {
   EXPECT_GT(std::fabs(solveOk(caseModel(baseCase(), quadratic)).criterion -
                       solveStacked(baseCase()).criterion),
             1e-3);
-}
-
-TEST(QlpSolve, TrackingCriterionSumsAgreeAndTheRuleFromAnyPeriodIsTheSame) {
-  // sumc (linear and constant terms) and SumTracking (deviations) are two sums of one criterion;
-  // CompKpgCe from period k gives the rule of the full recursion at k.
-  const Model model = caseModel(baseCase(), constantFlags());
-  SystemArrays sys;
-  CriterionArrays crit;
-  ASSERT_EQ(systemInput(model, SolveTrace(), sys), 1);
-  ASSERT_EQ(criterionInput(model, SolveTrace(), crit), 1);
-  FeedbackRule rule = makeFeedbackRule(sys.n, sys.m, sys.nt);
-  ASSERT_EQ(riccati(sys, crit, rule, SolveTrace()), 1);
-  Mat xs = mat2(1, sys.n, 0, sys.nt), us = mat2(1, sys.m, 0, sys.nt - 1);
-  ASSERT_EQ(forwardPass(sys, crit.x0, rule, xs, us, SolveTrace()), 1);
-  expectClose(sumc(crit.tracking, sys.n, sys.m, sys.nt, crit.ws, crit.wlcs, crit.f, crit.lams,
-                   crit.lamlcs, crit.xtws, crit.utws, xs, us, SolveTrace()),
-              SumTracking(sys.n, sys.m, sys.nt, crit.ws, crit.lams, crit.xtws, crit.utws, xs, us,
-                          SolveTrace()),
-              1e-12, "sumc vs SumTracking");
-  for (int per = 0; per < sys.nt; ++per) {
-    Mat g = mat2(1, sys.m, 1, sys.n), glc = mat2(1, sys.m, 1, 1);
-    RiccatiWork w(sys.n, sys.m);
-    ASSERT_EQ(
-        CompKpgCe(sys.n, sys.m, sys.nt, per, sys.a, sys.b, sys.cs, crit, w, g, glc, SolveTrace()),
-        1);
-    for (int i = 1; i <= sys.m; ++i) {
-      for (int j = 1; j <= sys.n; ++j) EXPECT_EQ(g(i, j), rule.gs(per, i, j));
-      EXPECT_EQ(glc(i, 1), rule.glcs(i, per));
-    }
-  }
 }
 
 TEST(QlpSolve, RefusesModelsItCannotSolve) {
