@@ -42,13 +42,6 @@ TEST(ForwardLeads, LeadsBeyondTheHorizonAreTheTerminalState) {
   EXPECT_EQ(adjusted(3, 0, 1), (std::array{53201.0, 82002.0, 100003.0}));
   EXPECT_EQ(adjusted(2, 1, 1), (std::array{1.0, 32002.0, 50003.0}));
   EXPECT_EQ(adjusted(3, 0, 0), (std::array{1.0, 2.0, 3.0}));
-
-  // D1 x acts on rows: D1 = [[0, 1], [0, 0]] moves x2 of the next period into row 1 only.
-  Mat e1 = mat2(1, 2, 1, 2), zero = e1, xs2 = mat2(1, 2, 0, 2), cs2 = mat2(1, 2, 0, 0);
-  e1(1, 2) = 1, xs2(1, 1) = 3, xs2(2, 1) = 7;
-  ASSERT_EQ(forward(2, 1, 1, 0, 1, 1, cs2, e1, zero, zero, xs2, SolveTrace()), 1);
-  EXPECT_EQ(cs2(1, 0), 7);
-  EXPECT_EQ(cs2(2, 0), 0);
 }
 
 TEST(ForwardConvergence, EpsIsThePlainSumOfSquaresFromT0) {

@@ -122,29 +122,7 @@ TEST(OlfExpectedForms, EqualTheMeanOverAParameterDistributionWithThatCovariance)
         expectClose(got(int(i) + 1, int(j) + 1), want[i][j], 1e-13, what);
 }
 
-// Where the variance cannot reach the rule, OLF is QLP: no variance at all, or only a constant
-// uncertain (with A and B certain, E[A'Kc] = A'Kc and E[B'Kc] = B'Kc whatever the variance of c).
-TEST(OlfSolve, WithoutVarianceInAOrBItIsTheQlpSolution) {
-  const Case k = baseCase();
-  const Model models[] = {
-      uncertainModel(k, {{1, 1, 1}, {0, 2, 2}, {2, 3, 1}}, {{0, 0, 0}, {0, 0, 0}, {0, 0, 0}}),
-      uncertainModel(k, {{2, 2, 1}}, {{0.7}})};
-  for (const Model& model : models) {
-    RecordingPrompter prompter;
-    const auto o = solveOlf(model, CautionExperiment{}, prompter, SolveTrace());
-    const auto q = solveQlp(model, prompter, SolveTrace());
-    ASSERT_TRUE(o && q);
-    EXPECT_TRUE(prompter.messages().empty());
-    EXPECT_EQ(o->method, "OLFwo");
-    for (int t = 0; t <= k.T; ++t) {
-      for (int j = 1; j <= k.m && t < k.T; ++j) expectClose(o->us(j, t), q->us(j, t), 1e-12, "u");
-      for (int i = 1; i <= k.n; ++i) expectClose(o->xs(i, t), q->xs(i, t), 1e-12, "x");
-    }
-    expectClose(o->criterion, q->criterion, 1e-12, "criterion");
-  }
-}
-
-// One state, one control, one solver period: x1 = a x0 + b u + c with b uncertain.
+// One state, one control, one solver period: x1 = a x0 + b u + c.
 Case scalarCase() {
   Case k;
   k.n = k.m = k.l = k.T = 1;
@@ -153,27 +131,44 @@ Case scalarCase() {
   return k;
 }
 
-TEST(OlfSolve, VarianceOfAControlCoefficientMakesTheControlCautious) {
-  // E[0.5 w (x1 - xd)^2 + 0.5 lam (u - ud)^2] with E[b^2] = b^2 + s2 is least at
-  // u = (lam ud - w b (a x0 + c - xd)) / (w (b^2 + s2) + lam).
+// With (a, b, c) of covariance S, E[0.5 w (x1 - xd)^2 + 0.5 lam (u - ud)^2] is least at
+//   u = (lam ud - w (b (a x0 + c - xd) + S_ab x0 + S_bc)) / (w (b^2 + S_bb) + lam),
+// and the criterion is summed along the nominal path that control produces. Where the variance
+// cannot reach the control (none at all, or c's alone) OLF is QLP, over any number of periods.
+TEST(OlfSolve, TheControlIsTheExpectedOptimumAndWithoutVarianceInAOrBTheQlpOne) {
   const double a = 0.8, b = 0.5, c = 0.2, x0 = 1.0, w = 1.0, lam = 0.5, xd = 2.0, ud = 0.1;
-  const double s2 = 0.3;
-  const double uQlp = (lam * ud - w * b * (a * x0 + c - xd)) / (w * b * b + lam);
-  const double uOlf = (lam * ud - w * b * (a * x0 + c - xd)) / (w * (b * b + s2) + lam);
-  RecordingPrompter prompter;
-  const Model model = uncertainModel(scalarCase(), {{1, 1, 1}}, {{s2}});
-  const auto o = solveOlf(model, {}, prompter, SolveTrace());
-  const auto q = solveQlp(model, prompter, SolveTrace());
-  ASSERT_TRUE(o && q);
-  EXPECT_TRUE(prompter.messages().empty());
-  expectClose(q->us(1, 0), uQlp, 1e-13, "QLP control");
-  expectClose(o->us(1, 0), uOlf, 1e-13, "OLF control");
-  // The criterion is summed along the nominal path the cautious control produces.
-  const double x1 = a * x0 + b * uOlf + c;
-  expectClose(
-      o->criterion,
-      0.5 * w * (std::pow(x0 - xd, 2) + std::pow(x1 - xd, 2)) + 0.5 * lam * std::pow(uOlf - ud, 2),
-      1e-13, "OLF criterion");
+  const Dense none = testing::zeros(3, 3), cOnly = {{0, 0, 0}, {0, 0, 0}, {0, 0, 0.7}};
+  const Dense bOnly = {{0, 0, 0}, {0, 0.3, 0}, {0, 0, 0}};
+  const Dense all = {{0.05, 0.02, -0.01}, {0.02, 0.3, 0.04}, {-0.01, 0.04, 0.2}};
+  for (const Dense& S : {none, cOnly, bOnly, all}) {
+    const double u = (lam * ud - w * (b * (a * x0 + c - xd) + S[0][1] * x0 + S[1][2])) /
+                     (w * (b * b + S[1][1]) + lam);
+    const double x1 = a * x0 + b * u + c;
+    RecordingPrompter prompter;
+    const auto o = solveOlf(uncertainModel(scalarCase(), {{0, 1, 1}, {1, 1, 1}, {2, 1, 1}}, S), {},
+                            prompter, SolveTrace());
+    ASSERT_TRUE(o);
+    EXPECT_TRUE(prompter.messages().empty());
+    expectClose(o->us(1, 0), u, 1e-13, "control");
+    expectClose(
+        o->criterion,
+        0.5 * w * (std::pow(x0 - xd, 2) + std::pow(x1 - xd, 2)) + 0.5 * lam * std::pow(u - ud, 2),
+        1e-13, "criterion");
+  }
+  const Case k = baseCase();
+  for (const Model& model : {uncertainModel(k, {{1, 1, 1}, {0, 2, 2}, {2, 3, 1}}, none),
+                             uncertainModel(k, {{2, 2, 1}}, {{0.7}})}) {
+    RecordingPrompter prompter;
+    const auto o = solveOlf(model, {}, prompter, SolveTrace());
+    const auto q = solveQlp(model, prompter, SolveTrace());
+    ASSERT_TRUE(o && q);
+    EXPECT_EQ(o->method, "OLFwo");
+    for (int t = 0; t <= k.T; ++t) {
+      for (int j = 1; j <= k.m && t < k.T; ++j) expectClose(o->us(j, t), q->us(j, t), 1e-12, "u");
+      for (int i = 1; i <= k.n; ++i) expectClose(o->xs(i, t), q->xs(i, t), 1e-12, "x");
+    }
+    expectClose(o->criterion, q->criterion, 1e-12, "criterion");
+  }
 }
 
 TEST(OlfSolve, RefusesModelsWithoutUncertainty) {

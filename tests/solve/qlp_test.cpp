@@ -89,13 +89,6 @@ TEST(QlpSolve, EveryFormMatchesTheStackedOptimum) {
                               SolveTrace()),
                   ref.criterion, kRel, "SumTracking");
   }
-  // The terminal weight and the desired paths really enter: without them the optimum differs.
-  EXPECT_GT(std::fabs(solveOk(caseModel(wn, constantFlags())).us(1, wn.T - 1) -
-                      solveOk(caseModel(wn, terminal)).us(1, wn.T - 1)),
-            1e-3);
-  EXPECT_GT(std::fabs(solveOk(caseModel(baseCase(), quadratic)).criterion -
-                      solveStacked(baseCase()).criterion),
-            1e-3);
 }
 
 TEST(QlpSolve, RefusesModelsItCannotSolve) {
