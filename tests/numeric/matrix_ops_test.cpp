@@ -268,45 +268,36 @@ TEST(MatrixOps, ThreeIndexArraysMoveEachIndex) {
       }
 }
 
-// Stored scenarios: variable x period x scenario.
-Mat3 scenarios(int count) {
-  Mat3 a = mat3(1, 2, 0, 2, 1, count);
+TEST(MatrixOps, ModMatSizeAddsZeroScenariosOrWarnsAndKeepsWhatFits) {
+  Mat3 four = mat3(1, 2, 0, 2, 1, 4);  // variable x period x scenario
   for (int i = 1; i <= 2; ++i)
     for (int t = 0; t <= 2; ++t)
-      for (int k = 1; k <= count; ++k) a(i, t, k) = 1000.0 * k + 10.0 * i + t;
-  return a;
-}
-
-// Scenarios `from`..`to` of `got` are those of `ref`, every other one of its scenarios is zero.
-void expectScenarios(const Mat3& got, const Mat3& ref, int from, int to) {
-  for (int i = got.rlo(); i <= got.rhi(); ++i)
-    for (int t = got.clo(); t <= got.chi(); ++t)
-      for (int k = got.dlo(); k <= got.dhi(); ++k)
-        EXPECT_EQ(got(i, t, k), k >= from && k <= to ? ref(i, t, k) : 0.0) << i << t << k;
-}
-
-TEST(MatrixOps, ModMatSizeAddsAZeroScenarioOrWarnsAndKeepsWhatFits) {
+      for (int k = 1; k <= 4; ++k) four(i, t, k) = 1000.0 * k + 10.0 * i + t;
+  // Scenarios from..to of `got` are those of `four`, every other one of its scenarios is zero.
+  auto expectScenarios = [&](const Mat3& got, int from, int to) {
+    for (int i = 1; i <= 2; ++i)
+      for (int t = 0; t <= 2; ++t)
+        for (int k = got.dlo(); k <= got.dhi(); ++k)
+          EXPECT_EQ(got(i, t, k), k >= from && k <= to ? four(i, t, k) : 0.0) << i << t << k;
+  };
   RecordingPrompter prompter;
-  const Mat3 three = scenarios(3), four = scenarios(4);
-  const Mat3 grown = ModMatSize(1, 2, 0, 2, 1, 3, 4, three, prompter);
+  const Mat3 grown = ModMatSize(1, 2, 0, 2, 1, 4, 6, four, prompter);
   EXPECT_TRUE(prompter.messages().empty());
-  EXPECT_EQ(grown.dhi(), 4);
-  expectScenarios(grown, three, 1, 3);
-
+  EXPECT_EQ(grown.dhi(), 6);
+  expectScenarios(grown, 1, 4);
   const Mat3 shrunk = ModMatSize(1, 2, 0, 2, 1, 4, 2, four, prompter);
   EXPECT_EQ(testing::shown(prompter),
             (std::vector<std::string>{"Warning!: l3old greater than l3new in ModMatSize",
                                       "Warning!: l3old greater than l3new in mmov3dsub"}));
   EXPECT_EQ(prompter.messages()[0].buttons, Buttons::Ok);
   EXPECT_EQ(shrunk.dhi(), 2);
-  expectScenarios(shrunk, four, 1, 2);
-
+  expectScenarios(shrunk, 1, 2);
   // Without the warning case the copy takes ndl..l3old and leaves the rest of `to` alone.
   prompter.clear();
   Mat3 wide = mat3(1, 2, 0, 2, 1, 5);
   mmov3dsub(1, 2, 0, 2, 2, 3, 5, four, wide, prompter);
   EXPECT_TRUE(prompter.messages().empty());
-  expectScenarios(wide, four, 2, 3);
+  expectScenarios(wide, 2, 3);
 }
 
 }  // namespace

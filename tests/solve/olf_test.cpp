@@ -8,7 +8,6 @@
 #include <cmath>
 #include <optional>
 #include <string>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -67,59 +66,63 @@ OlfInputs olfInputs(const Model& model, Prompter& prompter) {
   return in;
 }
 
-Mat toMat(const Dense& d, int clo = 1) {
-  Mat a = mat2(1, static_cast<int>(d.size()), clo, clo + static_cast<int>(d[0].size()) - 1);
-  for (int i = 1; i <= a.rows(); ++i)
-    for (int j = clo; j <= a.chi(); ++j) a(i, j) = d[i - 1][j - clo];
-  return a;
+// One solver period, three correlated parameters in A(1,2), B(2,1) and c(3). The sigma points
+// theta0 +- sqrt(3) L e_k (L L' = SITT) have exactly that mean and covariance, and the criterion is
+// quadratic in theta, so its expectation is the average over them; the expected criterion is
+// least where (Lam + E[B'W B]) u = Lam ud - E[B'W (A x0 + c - xd)]. The criterion is summed along
+// the nominal path that control produces.
+TEST(OlfSolve, TheFirstControlMinimisesTheExpectedCriterion) {
+  using testing::mul, testing::plus, testing::trans;
+  const Case k = baseCase(1);
+  const Dense L = {{0.3, 0, 0}, {0.1, 0.4, 0}, {-0.2, 0.05, 0.25}};
+  const Dense x0 = trans({k.x0}), xd = trans({k.xd[1]}), c0 = mul(k.c, trans({k.z[0]}));
+  Dense h = testing::zeros(2, 2), r = testing::zeros(2, 1), W = testing::zeros(3, 3);
+  for (int i = 0; i < 3; ++i) W[i][i] = k.w[1][i];
+  for (int j = 0; j < 2; ++j) h[j][j] = k.lam[0][j], r[j][0] = k.lam[0][j] * k.ud[0][j];
+  for (int e = 0; e < 3; ++e)
+    for (double sign : {1.0, -1.0}) {
+      Dense a = k.a, b = k.b, c = c0;
+      const double d = sign * std::sqrt(3.0);
+      a[0][1] += d * L[0][e], b[1][0] += d * L[1][e], c[2][0] += d * L[2][e];
+      const Dense btw = mul(trans(b), W);
+      h = plus(h, mul(btw, b), 1.0 / 6);
+      r = plus(r, mul(btw, plus(plus(mul(a, x0), c), xd, -1.0)), -1.0 / 6);
+    }
+  const Dense u = testing::solveDense(h, r), x1 = plus(plus(mul(k.a, x0), mul(k.b, u)), c0);
+  double criterion = 0.0;
+  for (int i = 0; i < 3; ++i)
+    criterion += 0.5 * (k.w[0][i] * std::pow(x0[i][0] - k.xd[0][i], 2) +
+                        k.w[1][i] * std::pow(x1[i][0] - xd[i][0], 2));
+  for (int j = 0; j < 2; ++j) criterion += 0.5 * k.lam[0][j] * std::pow(u[j][0] - k.ud[0][j], 2);
+
+  RecordingPrompter prompter;
+  const auto o = solveOlf(uncertainModel(k, {{0, 1, 2}, {1, 2, 1}, {2, 3, 1}}, mul(L, trans(L))),
+                          {}, prompter, SolveTrace());
+  ASSERT_TRUE(o);
+  EXPECT_TRUE(prompter.messages().empty());
+  for (int j = 0; j < 2; ++j) expectClose(o->us(j + 1, 0), u[j][0], 1e-12, "u");
+  expectClose(o->criterion, criterion, 1e-12, "criterion");
 }
 
-TEST(OlfExpectedForms, EqualTheMeanOverAParameterDistributionWithThatCovariance) {
-  // Three correlated parameters in A(1,2), B(2,1) and c(1). The sigma points
-  // theta0 +- sqrt(np) L e_k (L L' = SITT) have exactly that mean and covariance, and every form
-  // is quadratic in theta, so their average is the expectation.
-  const int n = 2, m = 1, np = 3;
-  const Dense A = {{0.9, 0.3}, {-0.2, 0.7}}, B = {{0.4}, {1.1}}, c = {{0.5}, {-0.4}};
-  const Dense K = {{2.0, 0.3}, {0.3, 1.5}}, P = {{-0.7}, {0.2}};
-  const Dense L = {{0.3, 0, 0}, {0.1, 0.4, 0}, {-0.2, 0.05, 0.25}};
-  const Dense ws = {{1.0, 0.0}, {2.0, 0.0}}, wlcs = {{0.3, 0.0}, {0.0, 0.0}};
-  CriterionArrays crit;
-  crit.f = mat2(1, n, 1, m), crit.ws = toMat(ws, 0), crit.wlcs = toMat(wlcs, 0);
-  crit.lams = toMat({{0.5}}, 0), crit.lamlcs = toMat({{-0.1}}, 0);
-  UncertainParameters par{np, imat2(1, n, 1, n), imat2(1, n, 1, m), imat2(1, n, 1, 1),
-                          toMat(testing::mul(L, testing::trans(L)))};
-  par.napar(1, 2) = 1, par.nbpar(2, 1) = 2, par.ncpar(1, 1) = 3;
-  OlfWork w(n, m);
-  w.k = toMat(K), w.p = toMat(P);
-  comphiolf(n, m, 1, 0, toMat(A), toMat(B), crit, par, w, SolveTrace());
-  comphilcolf(n, m, 0, toMat(A), toMat(B), toMat(c, 0), crit, par, w, SolveTrace());
-
-  // The criterion's own terms, then the average over the sigma points.
-  Dense phi = {{ws[0][0], 0}, {0, ws[1][0]}}, psi = testing::zeros(2, 1), theta = {{0.5}};
-  Dense philc = {{wlcs[0][0]}, {wlcs[1][0]}}, thetalc = {{-0.1}};
-  for (int e = 0; e < np; ++e)
-    for (double sign : {1.0, -1.0}) {
-      Dense a = A, b = B, cc = c;
-      const double d = sign * std::sqrt(double(np)), wt = 1.0 / (2 * np);
-      a[0][1] += d * L[0][e], b[1][0] += d * L[1][e], cc[0][0] += d * L[2][e];
-      const Dense at = testing::trans(a), bt = testing::trans(b), kb = testing::mul(K, b);
-      const Dense kcp = testing::plus(testing::mul(K, cc), P);
-      phi = testing::plus(phi, testing::mul(at, testing::mul(K, a)), wt);
-      psi = testing::plus(psi, testing::mul(at, kb), wt);
-      theta = testing::plus(theta, testing::mul(bt, kb), wt);
-      philc = testing::plus(philc, testing::mul(at, kcp), wt);
-      thetalc = testing::plus(thetalc, testing::mul(bt, kcp), wt);
+// Where the variance cannot reach the rule, OLF is QLP: no variance at all, or only a constant
+// uncertain (with A and B certain, E[A'Kc] = A'Kc and E[B'Kc] = B'Kc whatever the variance of c).
+TEST(OlfSolve, WithoutVarianceInAOrBItIsTheQlpSolution) {
+  const Case k = baseCase();
+  for (const Model& model :
+       {uncertainModel(k, {{1, 1, 1}, {0, 2, 2}, {2, 3, 1}}, testing::zeros(3, 3)),
+        uncertainModel(k, {{2, 2, 1}}, {{0.7}})}) {
+    RecordingPrompter prompter;
+    const auto o = solveOlf(model, {}, prompter, SolveTrace());
+    const auto q = solveQlp(model, prompter, SolveTrace());
+    ASSERT_TRUE(o && q);
+    EXPECT_TRUE(prompter.messages().empty());
+    EXPECT_EQ(o->method, "OLFwo");
+    for (int t = 0; t <= k.T; ++t) {
+      for (int j = 1; j <= k.m && t < k.T; ++j) expectClose(o->us(j, t), q->us(j, t), 1e-12, "u");
+      for (int i = 1; i <= k.n; ++i) expectClose(o->xs(i, t), q->xs(i, t), 1e-12, "x");
     }
-  const std::tuple<const char*, const Mat&, const Dense&> forms[] = {
-      {"phi", w.phi, phi},
-      {"psi", w.psi, psi},
-      {"theta", w.theta, theta},
-      {"philc", w.philc, philc},
-      {"thetalc", w.thetalc, thetalc}};
-  for (const auto& [what, got, want] : forms)
-    for (std::size_t i = 0; i < want.size(); ++i)
-      for (std::size_t j = 0; j < want[i].size(); ++j)
-        expectClose(got(int(i) + 1, int(j) + 1), want[i][j], 1e-13, what);
+    expectClose(o->criterion, q->criterion, 1e-12, "criterion");
+  }
 }
 
 // One state, one control, one solver period: x1 = a x0 + b u + c.
@@ -129,46 +132,6 @@ Case scalarCase() {
   k.a = {{0.8}}, k.b = {{0.5}}, k.c = {{0.2}}, k.z = {{1.0}}, k.x0 = {1.0};
   k.w = {{1.0}, {1.0}}, k.lam = {{0.5}}, k.xd = {{2.0}, {2.0}}, k.ud = {{0.1}};
   return k;
-}
-
-// With (a, b, c) of covariance S, E[0.5 w (x1 - xd)^2 + 0.5 lam (u - ud)^2] is least at
-//   u = (lam ud - w (b (a x0 + c - xd) + S_ab x0 + S_bc)) / (w (b^2 + S_bb) + lam),
-// and the criterion is summed along the nominal path that control produces. Where the variance
-// cannot reach the control (none at all, or c's alone) OLF is QLP, over any number of periods.
-TEST(OlfSolve, TheControlIsTheExpectedOptimumAndWithoutVarianceInAOrBTheQlpOne) {
-  const double a = 0.8, b = 0.5, c = 0.2, x0 = 1.0, w = 1.0, lam = 0.5, xd = 2.0, ud = 0.1;
-  const Dense none = testing::zeros(3, 3), cOnly = {{0, 0, 0}, {0, 0, 0}, {0, 0, 0.7}};
-  const Dense bOnly = {{0, 0, 0}, {0, 0.3, 0}, {0, 0, 0}};
-  const Dense all = {{0.05, 0.02, -0.01}, {0.02, 0.3, 0.04}, {-0.01, 0.04, 0.2}};
-  for (const Dense& S : {none, cOnly, bOnly, all}) {
-    const double u = (lam * ud - w * (b * (a * x0 + c - xd) + S[0][1] * x0 + S[1][2])) /
-                     (w * (b * b + S[1][1]) + lam);
-    const double x1 = a * x0 + b * u + c;
-    RecordingPrompter prompter;
-    const auto o = solveOlf(uncertainModel(scalarCase(), {{0, 1, 1}, {1, 1, 1}, {2, 1, 1}}, S), {},
-                            prompter, SolveTrace());
-    ASSERT_TRUE(o);
-    EXPECT_TRUE(prompter.messages().empty());
-    expectClose(o->us(1, 0), u, 1e-13, "control");
-    expectClose(
-        o->criterion,
-        0.5 * w * (std::pow(x0 - xd, 2) + std::pow(x1 - xd, 2)) + 0.5 * lam * std::pow(u - ud, 2),
-        1e-13, "criterion");
-  }
-  const Case k = baseCase();
-  for (const Model& model : {uncertainModel(k, {{1, 1, 1}, {0, 2, 2}, {2, 3, 1}}, none),
-                             uncertainModel(k, {{2, 2, 1}}, {{0.7}})}) {
-    RecordingPrompter prompter;
-    const auto o = solveOlf(model, {}, prompter, SolveTrace());
-    const auto q = solveQlp(model, prompter, SolveTrace());
-    ASSERT_TRUE(o && q);
-    EXPECT_EQ(o->method, "OLFwo");
-    for (int t = 0; t <= k.T; ++t) {
-      for (int j = 1; j <= k.m && t < k.T; ++j) expectClose(o->us(j, t), q->us(j, t), 1e-12, "u");
-      for (int i = 1; i <= k.n; ++i) expectClose(o->xs(i, t), q->xs(i, t), 1e-12, "x");
-    }
-    expectClose(o->criterion, q->criterion, 1e-12, "criterion");
-  }
 }
 
 TEST(OlfSolve, RefusesModelsWithoutUncertainty) {
