@@ -1,5 +1,5 @@
-// Open loop feedback: its expected quadratic forms, its agreement with QLP where the parameters are
-// certain, its caution where they are not, the caution experiment and the refusals.
+// Open loop feedback: its control against the minimiser of the expected criterion, its agreement
+// with QLP where the variance cannot reach the rule, the caution experiment and the refusals.
 #include "solve/olf.h"
 
 #include <gtest/gtest.h>
@@ -125,15 +125,6 @@ TEST(OlfSolve, WithoutVarianceInAOrBItIsTheQlpSolution) {
   }
 }
 
-// One state, one control, one solver period: x1 = a x0 + b u + c.
-Case scalarCase() {
-  Case k;
-  k.n = k.m = k.l = k.T = 1;
-  k.a = {{0.8}}, k.b = {{0.5}}, k.c = {{0.2}}, k.z = {{1.0}}, k.x0 = {1.0};
-  k.w = {{1.0}, {1.0}}, k.lam = {{0.5}}, k.xd = {{2.0}, {2.0}}, k.ud = {{0.1}};
-  return k;
-}
-
 TEST(OlfSolve, RefusesModelsWithoutUncertainty) {
   const std::pair<int, const char*> cases[] = {{opt::kDeterministic, "olf-deterministic"},
                                                {opt::kAdditiveNoise, "olf-additive-noise"}};
@@ -182,10 +173,10 @@ TEST(OlfSolve, CautionExperimentPerturbsOneStepOfTheRecursion) {
   }
 
   // In a one-period model, perturbing period 1 is solving with the perturbed covariance.
-  const auto caution = solveOlf(uncertainModel(scalarCase(), {{1, 1, 1}}, {{0.1}}),
+  const auto caution = solveOlf(uncertainModel(baseCase(1), {{1, 1, 1}}, {{0.1}}),
                                 {1, 1, 1, 0.6, 1}, prompter, SolveTrace());
   const auto direct =
-      solveOlf(uncertainModel(scalarCase(), {{1, 1, 1}}, {{0.6}}), {}, prompter, SolveTrace());
+      solveOlf(uncertainModel(baseCase(1), {{1, 1, 1}}, {{0.6}}), {}, prompter, SolveTrace());
   ASSERT_TRUE(caution && direct);
   EXPECT_EQ(caution->us(1, 0), direct->us(1, 0));
   EXPECT_EQ(caution->criterion, direct->criterion);
