@@ -17,7 +17,7 @@
 namespace ovaro {
 namespace {
 
-using testing::baseCase;
+using namespace testing;  // the fixtures and the reference
 using Labels = std::vector<std::string>;
 
 long count(const Labels& l, const std::string& label) {
@@ -65,7 +65,7 @@ TEST(ForwardConvergence, EpsIsThePlainSumOfSquaresFromT0) {
   EXPECT_EQ(old(1, 0), 1.0);
 
   // At the limit the warning goes to the debug file.
-  testing::TempDir dir;
+  TempDir dir;
   now(1, 1) = 5.0;
   for (bool monteCarlo : {false, true}) {
     const std::string path = dir.file(monteCarlo ? "mc.dbg" : "qlp.dbg");
@@ -77,21 +77,20 @@ TEST(ForwardConvergence, EpsIsThePlainSumOfSquaresFromT0) {
       ASSERT_EQ(CheckConvergence(7, 3, 1, 2, 3, now, old, eps, ctx, SolveTrace(&file, {})), 1);
       EXPECT_TRUE(ctx.notConverged);
     }
-    EXPECT_EQ(
-        testing::slurp(path),
-        testing::dataSection("solve_messages.txt", monteCarlo ? "forward-limit-debug-monte-carlo"
-                                                              : "forward-limit-debug")[0]);
+    EXPECT_EQ(slurp(path),
+              dataSection("solve_messages.txt", monteCarlo ? "forward-limit-debug-monte-carlo"
+                                                           : "forward-limit-debug")[0]);
   }
 }
 
 TEST(ForwardQlp, TheIterationEndsAtAFixedPointOfTheLeadAdjustment) {
-  const testing::Case k = baseCase();
+  const Case k = baseCase();
   for (int lead = 1; lead <= 3; ++lead) {
     SCOPED_TRACE("lead " + std::to_string(lead));
-    testing::Dense d[3];
+    Dense d[3];
     RecordingPrompter prompter;
     const std::optional<Solution> s =
-        solveQlp(testing::forwardModel(lead, 200, "1.0E-24", d), prompter, SolveTrace());
+        solveQlp(forwardModel(lead, 200, "1.0E-24", d), prompter, SolveTrace());
     ASSERT_TRUE(s);
     EXPECT_TRUE(prompter.messages().empty());
     // The final path obeys the system with its own leads (beyond nt the terminal state).
@@ -109,21 +108,21 @@ TEST(ForwardQlp, TheIterationEndsAtAFixedPointOfTheLeadAdjustment) {
 }
 
 TEST(ForwardQlp, WarnsOnlyWhenTheIterationLimitIsReached) {
-  testing::Dense d[3];
-  const auto warning = testing::dataSection("solve_messages.txt", "forward-limit");
+  Dense d[3];
+  const auto warning = dataSection("solve_messages.txt", "forward-limit");
   // A limit of one never compares two iterations, so it never warns.
   const std::pair<int, const char*> cases[] = {{2, "1.0E-30"}, {200, "1.0E-20"}, {1, "1.0E-30"}};
   for (const auto& [iterlim, tolerance] : cases) {
     RecordingPrompter prompter;
-    ASSERT_TRUE(solveQlp(testing::forwardModel(2, iterlim, tolerance, d), prompter, SolveTrace()));
-    EXPECT_EQ(testing::shown(prompter), iterlim == 2 ? warning : std::vector<std::string>{});
+    ASSERT_TRUE(solveQlp(forwardModel(2, iterlim, tolerance, d), prompter, SolveTrace()));
+    EXPECT_EQ(shown(prompter), iterlim == 2 ? warning : std::vector<std::string>{});
   }
 }
 
 TEST(ForwardQlp, TheLoopIsTracedIterationByIteration) {
-  testing::Dense d[3];
-  const Labels l = testing::debugLabels(testing::tracedSolve(
-      testing::forwardModel(3, 50, "1.0E-16", d), {DebugSwitch::QlpForwardLooking}));
+  Dense d[3];
+  const Labels l =
+      debugLabels(tracedSolve(forwardModel(3, 50, "1.0E-16", d), {DebugSwitch::QlpForwardLooking}));
   // Every pass: the lead adjustment, then the convergence test of its controls.
   const long passes = count(l, "cs in forward at top");
   ASSERT_GE(passes, 2);

@@ -19,12 +19,7 @@
 namespace ovaro {
 namespace {
 
-using testing::baseCase;
-using testing::Case;
-using testing::caseModel;
-using testing::constantFlags;
-using testing::Dense;
-using testing::expectClose;
+using namespace testing;  // the fixtures and the reference
 
 // The base case with uncertain parameters: each ITHN row (kind, row, column) is one parameter,
 // theta0 is the element's nominal value, and SITT0 is `sitt`.
@@ -39,9 +34,9 @@ Model uncertainModel(const Case& k, const std::vector<std::array<int, 3>>& ithn,
     const double nominal = kind == 0   ? k.a[i - 1][j - 1]
                            : kind == 1 ? k.b[i - 1][j - 1]
                                        : k.c[i - 1][0] * k.z[0][0];
-    testing::setCell(model, MatrixId::TH0, p, 0, nominal);
+    setCell(model, MatrixId::TH0, p, 0, nominal);
   }
-  testing::setDense(model, MatrixId::SITT0, sitt);
+  setDense(model, MatrixId::SITT0, sitt);
   return model;
 }
 
@@ -72,11 +67,10 @@ OlfInputs olfInputs(const Model& model, Prompter& prompter) {
 // least where (Lam + E[B'W B]) u = Lam ud - E[B'W (A x0 + c - xd)]. The criterion is summed along
 // the nominal path that control produces.
 TEST(OlfSolve, TheFirstControlMinimisesTheExpectedCriterion) {
-  using testing::mul, testing::plus, testing::trans;
   const Case k = baseCase(1);
   const Dense L = {{0.3, 0, 0}, {0.1, 0.4, 0}, {-0.2, 0.05, 0.25}};
   const Dense x0 = trans({k.x0}), xd = trans({k.xd[1]}), c0 = mul(k.c, trans({k.z[0]}));
-  Dense h = testing::zeros(2, 2), r = testing::zeros(2, 1), W = testing::zeros(3, 3);
+  Dense h = zeros(2, 2), r = zeros(2, 1), W = zeros(3, 3);
   for (int i = 0; i < 3; ++i) W[i][i] = k.w[1][i];
   for (int j = 0; j < 2; ++j) h[j][j] = k.lam[0][j], r[j][0] = k.lam[0][j] * k.ud[0][j];
   for (int e = 0; e < 3; ++e)
@@ -88,7 +82,7 @@ TEST(OlfSolve, TheFirstControlMinimisesTheExpectedCriterion) {
       h = plus(h, mul(btw, b), 1.0 / 6);
       r = plus(r, mul(btw, plus(plus(mul(a, x0), c), xd, -1.0)), -1.0 / 6);
     }
-  const Dense u = testing::solveDense(h, r), x1 = plus(plus(mul(k.a, x0), mul(k.b, u)), c0);
+  const Dense u = solveDense(h, r), x1 = plus(plus(mul(k.a, x0), mul(k.b, u)), c0);
   double criterion = 0.0;
   for (int i = 0; i < 3; ++i)
     criterion += 0.5 * (k.w[0][i] * std::pow(x0[i][0] - k.xd[0][i], 2) +
@@ -108,9 +102,8 @@ TEST(OlfSolve, TheFirstControlMinimisesTheExpectedCriterion) {
 // uncertain (with A and B certain, E[A'Kc] = A'Kc and E[B'Kc] = B'Kc whatever the variance of c).
 TEST(OlfSolve, WithoutVarianceInAOrBItIsTheQlpSolution) {
   const Case k = baseCase();
-  for (const Model& model :
-       {uncertainModel(k, {{1, 1, 1}, {0, 2, 2}, {2, 3, 1}}, testing::zeros(3, 3)),
-        uncertainModel(k, {{2, 2, 1}}, {{0.7}})}) {
+  for (const Model& model : {uncertainModel(k, {{1, 1, 1}, {0, 2, 2}, {2, 3, 1}}, zeros(3, 3)),
+                             uncertainModel(k, {{2, 2, 1}}, {{0.7}})}) {
     RecordingPrompter prompter;
     const auto o = solveOlf(model, {}, prompter, SolveTrace());
     const auto q = solveQlp(model, prompter, SolveTrace());
@@ -132,7 +125,7 @@ TEST(OlfSolve, RefusesModelsWithoutUncertainty) {
     RecordingPrompter prompter;
     EXPECT_FALSE(
         solveOlf(caseModel(baseCase(), constantFlags(), stoch), {}, prompter, SolveTrace()));
-    EXPECT_EQ(testing::shown(prompter), testing::dataSection("solve_messages.txt", section));
+    EXPECT_EQ(shown(prompter), dataSection("solve_messages.txt", section));
   }
 }
 
@@ -163,9 +156,8 @@ TEST(OlfSolve, CautionExperimentPerturbsOneStepOfTheRecursion) {
   for (int period : {1, 3, 0, k.T + 1}) {
     const FeedbackRule r = run({1, 1, 1, 0.8, period});
     const bool inside = period >= 1 && period <= k.T;
-    EXPECT_EQ(testing::shown(prompter),
-              inside ? testing::dataSection("solve_messages.txt", "olf-caution")
-                     : std::vector<std::string>{});
+    EXPECT_EQ(shown(prompter), inside ? dataSection("solve_messages.txt", "olf-caution")
+                                      : std::vector<std::string>{});
     for (int t = 0; t < k.T; ++t)
       if (t >= period - 1 || !inside) {
         EXPECT_EQ(sameAt(r, base, t), t != period - 1) << period << t;
@@ -200,15 +192,14 @@ TEST(OlfSolve, BadPlacementsAndCautionIndicesStayInsideTheArrays) {
 }
 
 TEST(OlfSolve, TracedWithEverySwitchOffWritesOnlyTheHeading) {
-  testing::TempDir dir;
+  TempDir dir;
   DebugFile file;
   ASSERT_TRUE(file.open(dir.file("olf.dbg")));
   RecordingPrompter prompter;
   const Model model = uncertainModel(baseCase(), {{1, 1, 1}}, {{0.1}});
   ASSERT_TRUE(solveOlf(model, {}, prompter, qlpSolveTrace(&file, DebugSwitches{})));
   file.close();
-  EXPECT_EQ(testing::slurp(dir.file("olf.dbg")),
-            testing::dataSection("solve_messages.txt", "olf-debug-heading")[0]);
+  EXPECT_EQ(slurp(dir.file("olf.dbg")), dataSection("solve_messages.txt", "olf-debug-heading")[0]);
 }
 
 }  // namespace

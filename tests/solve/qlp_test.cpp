@@ -15,18 +15,14 @@
 namespace ovaro {
 namespace {
 
-using testing::baseCase;
-using testing::Case;
-using testing::caseModel;
-using testing::constantFlags;
-using testing::expectClose;
+using namespace testing;  // the fixtures and the reference
 
 constexpr double kRel = 1e-9;
 
 Solution solveOk(const Model& model) {
   RecordingPrompter prompter;
   std::optional<Solution> s = solveQlp(model, prompter, SolveTrace());
-  EXPECT_EQ(testing::shown(prompter), std::vector<std::string>{});
+  EXPECT_EQ(shown(prompter), std::vector<std::string>{});
   EXPECT_TRUE(s.has_value());
   return s.value_or(Solution{});
 }
@@ -65,7 +61,7 @@ TEST(QlpSolve, EveryFormMatchesTheStackedOptimum) {
     SCOPED_TRACE(what);
     const Model model = caseModel(k, flags);
     const Solution s = solveOk(model);
-    const testing::Path ref = solveStacked(k, flags.criterionForm != opt::kQuadraticForm);
+    const Path ref = solveStacked(k, flags.criterionForm != opt::kQuadraticForm);
     ASSERT_EQ(s.method, "QLP");
     ASSERT_EQ(s.nt, k.T);
     for (int t = 0; t <= k.T; ++t)
@@ -104,22 +100,21 @@ TEST(QlpSolve, RefusesModelsItCannotSolve) {
   prompter.clear();
   EXPECT_FALSE(solveQlp(caseModel(baseCase(), f, opt::kDeterministic, 0, /*maxLead=*/4), prompter,
                         SolveTrace()));
-  EXPECT_EQ(testing::shown(prompter),
-            std::vector<std::string>{"Error: Maximum Lead must be 1, 2 or 3."});
+  EXPECT_EQ(shown(prompter), std::vector<std::string>{"Error: Maximum Lead must be 1, 2 or 3."});
 }
 
 TEST(QlpTrace, SwitchesChooseTheDumpsInTheOrderOfTheAlgorithm) {
   using Labels = std::vector<std::string>;
   const Model model = caseModel(baseCase(), constantFlags());
-  const std::string content = testing::tracedSolve(model, {DebugSwitch::QlpAll});
+  const std::string content = tracedSolve(model, {DebugSwitch::QlpAll});
   ASSERT_EQ(content.rfind("Debug File for QLP \n", 0), 0u);
-  const Labels l = testing::debugLabels(content);
+  const Labels l = debugLabels(content);
   auto first = [&](const std::string& label) {
     return std::find(l.begin(), l.end(), label) - l.begin();
   };
   auto count = [&](const std::string& label) { return std::count(l.begin(), l.end(), label); };
   long previous = -1;
-  for (const std::string& label : testing::dataSection("qlp_trace.txt", "every-switch-order")) {
+  for (const std::string& label : dataSection("qlp_trace.txt", "every-switch-order")) {
     EXPECT_GT(first(label), previous) << label;
     previous = first(label);
   }
@@ -130,11 +125,11 @@ TEST(QlpTrace, SwitchesChooseTheDumpsInTheOrderOfTheAlgorithm) {
     EXPECT_EQ(count(label), T) << label;
   EXPECT_EQ(count("criterion"), 1);
 
-  EXPECT_EQ(testing::tracedSolve(model, {}), "Debug File for QLP ");
+  EXPECT_EQ(tracedSolve(model, {}), "Debug File for QLP ");
   Labels gAndG = {"Debug File for QLP"};
   for (int t = 0; t < T; ++t) gAndG.insert(gAndG.end(), {"g", "glc"});
-  EXPECT_EQ(testing::debugLabels(testing::tracedSolve(model, {DebugSwitch::QlpGAndG})), gAndG);
-  EXPECT_EQ(testing::debugLabels(testing::tracedSolve(model, {DebugSwitch::QlpCriterionValue})),
+  EXPECT_EQ(debugLabels(tracedSolve(model, {DebugSwitch::QlpGAndG})), gAndG);
+  EXPECT_EQ(debugLabels(tracedSolve(model, {DebugSwitch::QlpCriterionValue})),
             (Labels{"Debug File for QLP", "sum in sumc", "criterion"}));
 }
 
