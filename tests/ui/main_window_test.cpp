@@ -237,6 +237,10 @@ TEST(MainWindowFile, SavePromptOnClose) {
   EXPECT_TRUE(h.window->close());
   EXPECT_TRUE(h.prompter.fileRequests().empty());
   EXPECT_EQ(testing::slurp(target), testing::slurp(example("infl2.ovi")));
+  // Unmodified: no prompt at all.
+  Harness clean;
+  EXPECT_TRUE(clean.window->close());
+  EXPECT_TRUE(clean.prompter.messages().empty());
 }
 
 // The toggles flip their preference and check mark; Clear restores the start-up preferences.
@@ -385,6 +389,10 @@ TEST(MainWindowSolve, CompareWithAScriptedMethodChoice) {
   EXPECT_EQ(h.texts().at(0), "Please provide debug file name in the following dialog box.");
   EXPECT_TRUE(std::filesystem::exists(debug));
   EXPECT_FALSE(wb.debugFile.isOpen());
+  // Stochastic w/o Updating runs after its own method dialog.
+  h.dialogs.clear();
+  h.window->dispatch(141);
+  EXPECT_EQ(h.dialogs, Texts{"METHOD_WO"});
 }
 
 // The runs go to a worker thread: the window stays live, and Cancel stops them after the run in
