@@ -1,22 +1,15 @@
 #include "ui/results_view.h"
 
-#include <gtest/gtest.h>
-
-#include <QApplication>
 #include <QFontInfo>
 #include <QFontMetrics>
-#include <QImage>
-#include <QPixmap>
 #include <QScrollBar>
 #include <algorithm>
-#include <optional>
 #include <ostream>
 #include <tuple>
-#include <vector>
 
 #include "results/results_table.h"
 #include "support/results_fixtures.h"
-#include "ui/qt_app.h"
+#include "ui/harness.h"
 
 namespace ovaro::ui {
 
@@ -119,59 +112,36 @@ QImage picture(QWidget* w) {
   return w->grab().toImage().convertToFormat(QImage::Format_RGB32);
 }
 
-TEST(ResultsView, ShowsTheThreeWindowsInTheirPlaces) {
+// The three windows in their places, measured in the fixed-pitch font; scrolling the table moves
+// the headings with it, and a new table starts again at its top-left corner.
+TEST(ResultsView, ThreeWindowsInTheirPlacesAndTheHeadingsScrollWithTheTable) {
   test::qtApp();
   ResultsView view;
   view.resize(640, 480);
   view.show();
   QApplication::processEvents();
-  const ResultsTable table = qlpTable(2, 1, 6, 770);
-  view.showTable(table);
-
-  // The metrics come from the fixed-pitch font, measured here independently.
+  view.showTable(qlpTable(2, 1, 6, 770));
   EXPECT_TRUE(QFontInfo(view.font()).fixedPitch());
   const QFontMetrics fm(view.font());
-  const int lineHeight = fm.height() + fm.leading();
+  const int lineHeight = fm.height() + fm.leading(), top = 2 * lineHeight + 5;
   EXPECT_EQ(view.metrics().lineHeight, lineHeight);
   EXPECT_EQ(view.metrics().charWidth, fm.averageCharWidth());
-  const int top = 2 * lineHeight + 5;
-
   QWidget* headings = view.findChild<QWidget*>("ResultsHorzAcrWin");
-  QWidget* values = view.findChild<QWidget*>("ResultsWin");
+  QWidget* rowHeadings = view.findChild<QWidget*>("ResultsVertAcrWin");
+  ResultsTableWindow* table = view.tableWindow();
   ASSERT_EQ(headings, view.columnHeadingWindow());
-  ASSERT_EQ(view.findChild<QWidget*>("ResultsVertAcrWin"), view.rowHeadingWindow());
-  ASSERT_EQ(values, view.tableWindow());
+  ASSERT_EQ(rowHeadings, view.rowHeadingWindow());
+  ASSERT_EQ(view.findChild<QWidget*>("ResultsWin"), table);
   EXPECT_EQ(headings->geometry(), QRect(0, 0, 640, top));
-  EXPECT_EQ(view.rowHeadingWindow()->geometry(), QRect(0, top, 80, 480 - top));
-  EXPECT_EQ(values->geometry(), QRect(80, top, 560, 480 - top));
-  EXPECT_EQ(view.tableWindow()->frameShape(), QFrame::Box);
-
-  // The windows draw what the placement computes for this font.
-  const ResultsPlacement p = placeResults(table, view.metrics());
-  EXPECT_EQ(view.columnHeadingWindow()->texts(), p.columnHeadings);
-  EXPECT_EQ(view.rowHeadingWindow()->texts(), p.rowHeadings);
-  EXPECT_EQ(view.tableWindow()->texts(), p.table);
-
-  // Resizing keeps the layout; clearing empties all three windows.
-  view.resize(300, 200);
-  EXPECT_EQ(values->geometry(), QRect(80, top, 220, 200 - top));
-  view.clearTable();
-  EXPECT_FALSE(view.table());
-  EXPECT_TRUE(view.columnHeadingWindow()->texts().empty());
-  EXPECT_TRUE(view.rowHeadingWindow()->texts().empty());
-  EXPECT_TRUE(view.tableWindow()->texts().empty());
-}
-
-TEST(ResultsView, ScrollingTheTableMovesTheHeadingsWithIt) {
-  test::qtApp();
-  ResultsView view;
+  EXPECT_EQ(rowHeadings->geometry(), QRect(0, top, 80, 480 - top));
+  EXPECT_EQ(table->geometry(), QRect(80, top, 560, 480 - top));
+  EXPECT_EQ(table->frameShape(), QFrame::Box);
   view.resize(420, 320);
+  EXPECT_EQ(table->geometry(), QRect(80, top, 340, 320 - top));
+
   // A hundred periods of thirty states with their desired paths: far larger than the window.
   view.showTable(qlpTable(30, 4, 99, 778));
-  view.show();
   QApplication::processEvents();
-
-  ResultsTableWindow* table = view.tableWindow();
   QScrollBar* across = table->horizontalScrollBar();
   QScrollBar* down = table->verticalScrollBar();
   ASSERT_GT(across->maximum(), 100);
@@ -181,42 +151,36 @@ TEST(ResultsView, ScrollingTheTableMovesTheHeadingsWithIt) {
   // Only what the window shows is drawn: a few lines of a few columns, not the 6000 numbers.
   EXPECT_FALSE(table->visibleTexts().empty());
   EXPECT_LT(table->visibleTexts().size(), 400u);
-
-  QWidget* headings = view.columnHeadingWindow();
-  QWidget* rowHeadings = view.rowHeadingWindow();
-  const QRect headingArea = view.columnHeadingWindow()->contentsRect();
-  const QRect rowArea = view.rowHeadingWindow()->contentsRect();
-  const QRect tableArea = table->viewport()->rect();
   const QImage headings0 = picture(headings), rows0 = picture(rowHeadings);
   const QImage table0 = picture(table->viewport());
-
   // Across by 37 pixels: the column headings and the values move left, the row headings stay.
   across->setValue(37);
   QApplication::processEvents();
-  EXPECT_EQ(view.columnHeadingWindow()->offset(), QPoint(37, 0));
   const QImage headings1 = picture(headings), table1 = picture(table->viewport());
   EXPECT_NE(headings1, headings0);
-  EXPECT_TRUE(shiftedBy(headings0, headings1, headingArea, 37, 0));
-  EXPECT_TRUE(shiftedBy(table0, table1, tableArea, 37, 0));
+  EXPECT_TRUE(shiftedBy(headings0, headings1, headings->contentsRect(), 37, 0));
+  EXPECT_TRUE(shiftedBy(table0, table1, table->viewport()->rect(), 37, 0));
   EXPECT_EQ(picture(rowHeadings), rows0);
   EXPECT_EQ(table->visibleTexts().front().x, table->texts().front().x - 37);
-
   // Down by 45 pixels: the row headings and the values move up, the column headings stay.
   down->setValue(45);
   QApplication::processEvents();
-  EXPECT_EQ(view.rowHeadingWindow()->offset(), QPoint(0, 45));
   const QImage rows2 = picture(rowHeadings);
   EXPECT_NE(rows2, rows0);
-  EXPECT_TRUE(shiftedBy(rows0, rows2, rowArea, 0, 45));
-  EXPECT_TRUE(shiftedBy(table1, picture(table->viewport()), tableArea, 0, 45));
+  EXPECT_TRUE(shiftedBy(rows0, rows2, rowHeadings->contentsRect(), 0, 45));
+  EXPECT_TRUE(shiftedBy(table1, picture(table->viewport()), table->viewport()->rect(), 0, 45));
   EXPECT_EQ(picture(headings), headings1);
 
-  // A new table starts again at its top-left corner, headings included.
   view.showTable(qlpTable(2, 1, 6, 770));
   QApplication::processEvents();
   EXPECT_EQ(table->scrollOffset(), QPoint(0, 0));
   EXPECT_EQ(view.columnHeadingWindow()->offset(), QPoint(0, 0));
   EXPECT_EQ(view.rowHeadingWindow()->offset(), QPoint(0, 0));
+  // Clearing empties all three windows.
+  view.clearTable();
+  EXPECT_FALSE(view.table());
+  EXPECT_TRUE(view.columnHeadingWindow()->texts().empty() &&
+              view.rowHeadingWindow()->texts().empty() && table->texts().empty());
 }
 
 }  // namespace
