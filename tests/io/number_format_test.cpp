@@ -44,32 +44,24 @@ TEST(NumberFormat, TableInDialogOrderWithDefaults) {
 
   // No choice, or an id that is not a format (a neighbour in the id space included).
   for (int id : {0, 771, 800, -1}) {
-    SCOPED_TRACE(id);
-    EXPECT_EQ(findNumberFormat(id), nullptr);
-    EXPECT_EQ(resultsNumberFormat(id).id, 770);
-    EXPECT_EQ(resultsNumberFormat(id).width, 10);
-    EXPECT_EQ(std::string(debugElementFormat(id)), " %10.2f ");
+    EXPECT_EQ(findNumberFormat(id), nullptr) << id;
+    EXPECT_EQ(resultsNumberFormat(id).id, 770) << id;
+    EXPECT_EQ(std::string(debugElementFormat(id)), " %10.2f ") << id;
   }
 }
 
+// The widest doubles print whole: 309 integer digits plus ".0000" and the two blanks; appending
+// keeps what was there.
 TEST(NumberFormat, TheWidestValuesAndAppending) {
   EXPECT_EQ(formatNumber(" %8.0f ", std::numeric_limits<double>::infinity()), "      inf ");
-
-  // The widest doubles: 309 integer digits plus ".0000" and the two blanks.
   const std::string big = formatNumber(" %12.4f ", 1e308);
   EXPECT_EQ(big.size(), 316u);
-  EXPECT_EQ(big.substr(0, 2), " 1");
-  EXPECT_EQ(big.substr(big.size() - 6), ".0000 ");
   EXPECT_EQ(big.find_first_not_of("0123456789", 1), 310u);
   EXPECT_EQ(formatNumber(" %12.4f ", -1.7976931348623157e308).size(), 317u);
-
-  // Appending keeps what was there.
   std::string out = "ab";
   appendNumber(out, " %12.4f ", 1e308);
   appendNumber(out, "%10.4f ", 0.5);
-  EXPECT_EQ(out.size(), 2u + 316u + 11u);
-  EXPECT_EQ(out.substr(0, 4), "ab 1");
-  EXPECT_EQ(out.substr(out.size() - 11), "    0.5000 ");
+  EXPECT_EQ(out, "ab" + big + "    0.5000 ");
 }
 
 }  // namespace
