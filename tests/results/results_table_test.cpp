@@ -5,6 +5,7 @@
 #include <map>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -26,43 +27,40 @@ std::vector<std::string> linesOf(const std::string& text) {
   return lines;
 }
 
-// The 1-state, 1-control model of seven periods 1990..1996, QLP solved, whose last period has no
-// acronym (it is headed by its number).
-struct TinyCase {
-  Model model = labelledModel(1, 1, 0, 1990, 1996);
-  ResultsStore store;
-  TinyCase() {
-    model.periods.acronyms[6] = " ";
-    StoredResult r = labelledResult("QLP", 1, 1, 0, 6, 1.0);
-    for (int t = 0; t <= 6; ++t) {
-      r.solution.xs(1, t) = 10 * t + 0.25;
-      r.solution.xtws(1, t) = 5;
-      if (t < 6) r.solution.us(1, t) = 100.1 - 3 * t, r.solution.utws(1, t) = 2;
-    }
-    r.solution.criterion = 12345.678;
-    store.store(std::move(r));
-    store.display.selector = 3300;
-    store.display.desiredPaths = true;
-  }
-};
+// What tests/data/results_table_<name>.txt holds.
+std::vector<std::string> expectedLines(const std::string& name) {
+  const std::vector<std::string> lines =
+      linesOf(testing::slurp(testing::dataPath("results_table_" + name + ".txt")));
+  EXPECT_FALSE(lines.empty()) << name;
+  return lines;
+}
 
-// A 10-character row-heading slot, then x, xdes, the empty column headed "Controls", u and udes;
-// a blank line after the fifth period; no control in the last period, headed by its number.
+// The 1-state, 1-control model of seven periods 1990..1996, QLP solved, whose last period has no
+// acronym: a 10-character row-heading slot, then x, xdes, the empty column headed "Controls", u
+// and udes; a blank line after the fifth period; no control in the last period, headed by its
+// number.
 TEST(ResultsTable, OneMethodWithDesiredPathsAsText) {
-  TinyCase c;
-  for (int format : {770, 778}) {
-    const std::string file = "results_table_" + std::to_string(format) + ".txt";
-    const std::vector<std::string> expected = linesOf(testing::slurp(testing::dataPath(file)));
-    ASSERT_FALSE(expected.empty()) << file;
-    EXPECT_EQ(linesOf(renderResultsText(c.model, c.store, format)), expected) << format;
+  Model model = labelledModel(1, 1, 0, 1990, 1996);
+  model.periods.acronyms[6] = " ";
+  ResultsStore store;
+  StoredResult r = labelledResult("QLP", 1, 1, 0, 6, 1.0);
+  for (int t = 0; t <= 6; ++t) {
+    r.solution.xs(1, t) = 10 * t + 0.25, r.solution.xtws(1, t) = 5;
+    if (t < 6) r.solution.us(1, t) = 100.1 - 3 * t, r.solution.utws(1, t) = 2;
   }
+  r.solution.criterion = 12345.678;
+  store.store(r);
+  store.display.selector = 3300;
+  store.display.desiredPaths = true;
+  for (int format : {770, 778})
+    EXPECT_EQ(linesOf(renderResultsText(model, store, format)),
+              expectedLines(std::to_string(format)));
   // 0 means no format chosen yet: the table of the default format.
-  EXPECT_EQ(renderResultsText(c.model, c.store, 0), renderResultsText(c.model, c.store, 770));
+  EXPECT_EQ(renderResultsText(model, store, 0), renderResultsText(model, store, 770));
   // An overflowing number pushes the rest of its line right but is not cut.
-  StoredResult r = *c.store.find("QLP");
   r.solution.xs(1, 0) = -1.0e30;
-  c.store.store(std::move(r));
-  const std::vector<std::string> lines = linesOf(renderResultsText(c.model, c.store, 770));
+  store.store(std::move(r));
+  const std::vector<std::string> lines = linesOf(renderResultsText(model, store, 770));
   const std::string big = formatNumber(" %8.0f ", -1.0e30);
   ASSERT_GE(lines.size(), 4u);
   EXPECT_TRUE(lines[2].starts_with("Y0        " + big + "        5 ")) << lines[2];
@@ -99,10 +97,7 @@ TEST(ResultsTable, LayoutsAsText) {
       sign = sign > 0 ? -sign : -3 * sign;
     }
     store.display = {c.selector, c.desired, c.parameters, !c.columns, c.columns};
-    const std::string file = std::string("results_table_") + c.file + ".txt";
-    const std::vector<std::string> expected = linesOf(testing::slurp(testing::dataPath(file)));
-    ASSERT_FALSE(expected.empty());
-    EXPECT_EQ(linesOf(renderResultsText(model, store, c.format)), expected);
+    EXPECT_EQ(linesOf(renderResultsText(model, store, c.format)), expectedLines(c.file));
   }
 }
 
@@ -120,8 +115,6 @@ TEST(ResultsTable, ParametersOnlyWhereTheShownMethodsHaveThem) {
   EXPECT_TRUE(hasParameters(3312));   // CE
   EXPECT_FALSE(hasParameters(3300));  // QLP never shows parameters
   EXPECT_FALSE(hasParameters(3336));  // CE-OLF, but OLF has no parameter paths
-  store.display.parameters = false;
-  EXPECT_FALSE(hasParameters(3312));
 }
 
 TEST(ResultsTable, NothingToShowGivesNoTable) {
@@ -136,14 +129,13 @@ TEST(ResultsTable, NothingToShowGivesNoTable) {
   // Solutions that do not fit the Model any more.
   store.display.selector = 3308;
   EXPECT_TRUE(layoutResultsTable(model, store, 770));
-  store.store(labelledResult("HCFR", 2, 1, 0, 3, 1.0));
-  EXPECT_FALSE(layoutResultsTable(model, store, 770));
-  store.store(labelledResult("HCFR", 1, 1, 0, 5, 1.0));
-  EXPECT_FALSE(layoutResultsTable(model, store, 770));
   StoredResult shortPaths = labelledResult("HCFR", 1, 1, 0, 3, 1.0);
   shortPaths.solution.xs = mat2(1, 1, 0, 2);
-  store.store(std::move(shortPaths));
-  EXPECT_EQ(renderResultsText(model, store, 770), "");
+  for (StoredResult r : {labelledResult("HCFR", 2, 1, 0, 3, 1.0),
+                         labelledResult("HCFR", 1, 1, 0, 5, 1.0), shortPaths}) {
+    store.store(std::move(r));
+    EXPECT_EQ(renderResultsText(model, store, 770), "");
+  }
 }
 
 // Maps (line, column) to the text of every value cell; two values in one cell fail.
@@ -168,85 +160,66 @@ ResultsStore everyMethod(int selector, bool desired, bool columns) {
 }
 
 // Every cell of the layout stands at its place in the text: the row-heading slot at the left,
-// value column c at rowHeadingWidth + c x columnWidth, criterion values 20 characters in.
-TEST(ResultsTable, EveryCellOfEveryLayoutIsAlignedInTheText) {
-  struct Combination {
-    int selector, format, policy;
-    bool desired, columns;
-  };
-  const Combination combinations[] = {
-      {3300, 770, opt::kPolicyNo, true, false},  {3300, 790, opt::kPolicyNo, false, true},
-      {3328, 774, opt::kPolicyNo, true, false},  {3356, 782, opt::kPolicyYes, true, false},
-      {3360, 795, opt::kPolicyNo, false, false}, {3364, 785, opt::kPolicyYes, true, true},
-      {3352, 786, opt::kPolicyNo, true, true},   {3320, 784, opt::kPolicyYes, false, true},
-  };
-  for (const Combination& c : combinations) {
-    SCOPED_TRACE(std::to_string(c.selector) + " " + std::to_string(c.format));
-    const Model model = labelledModel(2, 2, 2, 1, 12, c.policy);  // T = 11
-    const std::optional<ResultsTable> t =
-        layoutResultsTable(model, everyMethod(c.selector, c.desired, c.columns), c.format);
-    ASSERT_TRUE(t);
-    EXPECT_EQ(t->columnWidth, resultsNumberFormat(c.format).width);
-    valueGrid(*t);
-    const std::vector<std::string> lines = linesOf(renderTableText(*t));
-    ASSERT_EQ(static_cast<int>(lines.size()), 2 + t->lineCount);
-    auto expectAt = [&](int line, std::size_t at, std::string text) {
-      while (!text.empty() && text.back() == ' ') text.pop_back();
-      const std::string& l = lines[static_cast<std::size_t>(line)];
-      EXPECT_EQ(l.substr(std::min(at, l.size()), text.size()), text) << line << " at " << at;
-    };
-    auto x = [&](int column) {
-      return column == kRowHeadingSlot ? 0u
-                                       : std::size_t(t->rowHeadingWidth + column * t->columnWidth);
-    };
-    for (const TableCell& h : t->headings) expectAt(h.line, x(h.column), h.text);
-    for (const TableCell& h : t->rowHeadings) expectAt(2 + h.line, x(h.column), h.text);
-    for (const TableCell& v : t->values) expectAt(2 + v.line, x(v.column), v.text);
-    for (const CriterionLine& cl : t->criteria) {
-      expectAt(2 + cl.line, 0, cl.label);
-      expectAt(2 + cl.line, kCriterionValueOffset, cl.value);
-    }
-  }
-}
-
-TEST(ResultsTable, PeriodsAsColumnsIsTheTransposeOfPeriodsAsRows) {
-  for (int policy : {opt::kPolicyNo, opt::kPolicyYes}) {
-    SCOPED_TRACE(policy);
-    const Model model = labelledModel(2, 2, 2, 1, 12, policy);
+// value column c at rowHeadingWidth + c x columnWidth, criterion values 20 characters in. With
+// periods as columns the values are those of periods as rows transposed, and the row headings of
+// one head the columns of the other, a gap column preceding "True Value".
+TEST(ResultsTable, EveryLayoutIsAlignedInTheTextAndTransposes) {
+  const std::tuple<int, int, int, bool> combinations[] = {
+      {3300, 770, opt::kPolicyNo, true},  {3300, 790, opt::kPolicyNo, false},
+      {3328, 774, opt::kPolicyNo, true},  {3356, 782, opt::kPolicyYes, true},
+      {3360, 795, opt::kPolicyNo, false}, {3364, 785, opt::kPolicyYes, true},
+      {3360, 782, opt::kPolicyYes, true}, {3320, 784, opt::kPolicyYes, false}};
+  for (const auto& [selector, format, policy, desired] : combinations) {
+    SCOPED_TRACE(std::to_string(selector) + " " + std::to_string(format));
+    const Model model = labelledModel(2, 2, 2, 1, 12, policy);  // T = 11
     const std::optional<ResultsTable> rows =
-        layoutResultsTable(model, everyMethod(3360, true, false), 782);
+        layoutResultsTable(model, everyMethod(selector, desired, false), format);
     const std::optional<ResultsTable> cols =
-        layoutResultsTable(model, everyMethod(3360, true, true), 782);
+        layoutResultsTable(model, everyMethod(selector, desired, true), format);
     ASSERT_TRUE(rows && cols);
-    EXPECT_TRUE(rows->periodsAsRows);
-    EXPECT_FALSE(cols->periodsAsRows);
+    EXPECT_TRUE(rows->periodsAsRows && !cols->periodsAsRows);
+    for (const ResultsTable* t : {&*rows, &*cols}) {
+      EXPECT_EQ(t->columnWidth, resultsNumberFormat(format).width);
+      const std::vector<std::string> lines = linesOf(renderTableText(*t));
+      ASSERT_EQ(static_cast<int>(lines.size()), 2 + t->lineCount);
+      auto expectAt = [&](int line, int column, std::string text, std::size_t at = 0) {
+        if (column != kRowHeadingSlot)
+          at = std::size_t(t->rowHeadingWidth + column * t->columnWidth);
+        while (!text.empty() && text.back() == ' ') text.pop_back();
+        const std::string& l = lines[static_cast<std::size_t>(line)];
+        EXPECT_EQ(l.substr(std::min(at, l.size()), text.size()), text) << line << " at " << at;
+      };
+      for (const TableCell& h : t->headings) expectAt(h.line, h.column, h.text);
+      for (const TableCell& h : t->rowHeadings) expectAt(2 + h.line, h.column, h.text);
+      for (const TableCell& v : t->values) expectAt(2 + v.line, v.column, v.text);
+      for (const CriterionLine& cl : t->criteria) {
+        expectAt(2 + cl.line, kRowHeadingSlot, cl.label);
+        expectAt(2 + cl.line, kRowHeadingSlot, cl.value, kCriterionValueOffset);
+      }
+    }
     // Value (L, C) of the rows table is value (C + 1, L) of the columns table, and nothing else is.
-    const auto r = valueGrid(*rows);
-    const auto c = valueGrid(*cols);
+    const auto r = valueGrid(*rows), c = valueGrid(*cols);
     ASSERT_EQ(r.size(), c.size());
     for (const auto& [at, text] : r) {
       const auto it = c.find({at.second + 1, at.first});
       ASSERT_NE(it, c.end()) << at.first << "," << at.second;
       EXPECT_EQ(it->second, text);
     }
-    // Row headings of one head the columns of the other; a gap column precedes "True Value".
     std::map<int, std::string> colHeads, rowHeads;
     for (const TableCell& h : cols->headings)
       if (h.line == 0) colHeads[h.column] = h.text;
     for (const TableCell& h : cols->rowHeadings) rowHeads[h.line] = h.text;
     for (const TableCell& h : rows->rowHeadings)
       EXPECT_EQ(colHeads[h.line], h.text == "True Value" ? h.text : " " + h.text + " ");
-    for (const TableCell& h : rows->headings) {
+    for (const TableCell& h : rows->headings)
       if (h.line == 0 && (h.text == "Controls" || h.text == "Parameters")) {
         EXPECT_EQ(rowHeads[h.column + 1], h.text);
       }
-    }
     EXPECT_EQ(cols->criteria[0].line, rows->columnCount + 2);
-    ASSERT_EQ(rows->criteria.size(), 3u);
-    for (std::size_t i = 0; i < 3; ++i) {
-      EXPECT_EQ(rows->criteria[i].label, cols->criteria[i].label);
-      EXPECT_EQ(rows->criteria[i].value, cols->criteria[i].value);
-    }
+    ASSERT_EQ(rows->criteria.size(), cols->criteria.size());
+    for (std::size_t i = 0; i < rows->criteria.size(); ++i)
+      EXPECT_EQ(rows->criteria[i].label + rows->criteria[i].value,
+                cols->criteria[i].label + cols->criteria[i].value);
   }
 }
 
