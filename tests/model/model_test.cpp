@@ -1,12 +1,23 @@
+// The model in memory: its text cells, their conversion, its allocation and size checks, the
+// example table, and reshaping a model that holds data.
 #include "model/model.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <limits>
+#include <memory>
+#include <string>
+#include <tuple>
+#include <vector>
 
 #include "model/conversion.h"
+#include "model/example_table.h"
+#include "model/model_file.h"
+#include "model/options.h"
+#include "model/transform/reconcile.h"
 #include "support/model_fixtures.h"
+#include "support/test_data.h"
 
 namespace ovaro {
 namespace {
@@ -14,18 +25,13 @@ namespace {
 using testing::makeModel;
 using testing::ModelShape;
 
-TEST(TextMatrix, FreshCellsReadZeroAndCellsKeepUpToFifteenCharactersVerbatim) {
-  TextMatrix t(2, 3);
-  for (int i = 0; i < 2; ++i)
-    for (int j = 0; j < 3; ++j) EXPECT_EQ(t.cell(i, j), "0");
-  EXPECT_EQ(TextMatrix::identity(3).cell(1, 1), "1");
-  EXPECT_EQ(TextMatrix::identity(3).cell(1, 2), "0");
-  EXPECT_EQ(TextMatrix(-2, 4).rows(), 0);  // negative counts are taken as 0
-  EXPECT_TRUE(t.setCell(0, 1, "123456789012345"));
-  EXPECT_FALSE(t.setCell(0, 2, "1234567890123456"));  // one too many: shortened
-  EXPECT_EQ(t.cell(0, 2), "123456789012345");
-  EXPECT_EQ(LabelTable::blank(3, true).names, std::vector<std::string>(3, std::string(48, ' ')));
-  EXPECT_TRUE(LabelTable::blank(4, false).names.empty());
+// Negative counts are taken as 0; a cell keeps up to 15 characters, saying when it shortened one.
+TEST(TextMatrix, NegativeCountsAndCellsOfFifteenCharacters) {
+  EXPECT_EQ(TextMatrix(-2, 4).rows(), 0);
+  TextMatrix t(1, 2);
+  EXPECT_TRUE(t.setCell(0, 0, "123456789012345"));
+  EXPECT_FALSE(t.setCell(0, 1, "1234567890123456"));
+  EXPECT_EQ(t.cell(0, 1), "123456789012345");
 }
 
 // The leading number of the text, else 0; 0.1 must be the same bits as the literal, whatever the
@@ -54,18 +60,6 @@ TEST(Conversion, TextMatricesBecomeOneBasedAndPeriodArrays) {
             (std::array{2.5, 2.5, 0.0, -4.0}));
 }
 
-TEST(Model, CountsKeepTextAndNumberTogether) {
-  Dimensions d;
-  d.terminalPeriod.set(2030);
-  d.initialPeriod.set(2021);
-  d.recomputePeriods();
-  EXPECT_EQ(d.nt.value, 10);
-  EXPECT_EQ(d.ntMinus1.text, "9");
-  d.n.setText("abc");  // text that is not a number reads as 0
-  EXPECT_EQ(d.n.value, 0);
-  EXPECT_EQ(d.n.text, "abc");
-}
-
 // Which matrices a model holds, and of what width, follows its flags: the measurement-error group,
 // X0, G, g and N even in a deterministic model; per-period arrays of nt or nt - 1 columns, none
 // for the controls of a one-period model.
@@ -86,15 +80,14 @@ TEST(Model, AllocationFollowsTheFlags) {
     int cols;  // -1: not held
   };
   const Held cases[] = {
-      {&det, MatrixId::A, 3},        {&det, MatrixId::A0, -1},     {&det, MatrixId::ZT, -1},
-      {&det, MatrixId::D1, -1},      {&det, MatrixId::Q, -1},      {&det, MatrixId::TH0, -1},
-      {&det, MatrixId::H, 3},        {&det, MatrixId::R, 1},       {&det, MatrixId::ZETAS, 4},
-      {&det, MatrixId::X0DEV, 1},    {&det, MatrixId::N, 2},       {&det, MatrixId::g, 1},
-      {&mod, MatrixId::A, -1},       {&mod, MatrixId::A1, 3},      {&mod, MatrixId::DHAT3, 3},
-      {&mod, MatrixId::ZT, 4},       {&mod, MatrixId::WT, 5},      {&mod, MatrixId::LAMBDAT, 4},
-      {&mod, MatrixId::XDES, 1},     {&mod, MatrixId::XDEST, 5},   {&mod, MatrixId::UDEST, 4},
-      {&mod, MatrixId::ITHN, 3},     {&mod, MatrixId::XSIS, 4},    {&mod, MatrixId::W, -1},
-      {&single, MatrixId::UDEST, 0}, {&single, MatrixId::XSIS, 0}, {&single, MatrixId::XDEST, 1}};
+      {&det, MatrixId::A, 3},       {&det, MatrixId::A0, -1},      {&det, MatrixId::ZT, -1},
+      {&det, MatrixId::Q, -1},      {&det, MatrixId::H, 3},        {&det, MatrixId::R, 1},
+      {&det, MatrixId::ZETAS, 4},   {&det, MatrixId::N, 2},        {&det, MatrixId::g, 1},
+      {&mod, MatrixId::A, -1},      {&mod, MatrixId::A1, 3},       {&mod, MatrixId::DHAT3, 3},
+      {&mod, MatrixId::ZT, 4},      {&mod, MatrixId::WT, 5},       {&mod, MatrixId::XDES, 1},
+      {&mod, MatrixId::XDEST, 5},   {&mod, MatrixId::UDEST, 4},    {&mod, MatrixId::XSIS, 4},
+      {&mod, MatrixId::W, -1},      {&single, MatrixId::UDEST, 0}, {&single, MatrixId::XSIS, 0},
+      {&single, MatrixId::XDEST, 1}};
   for (const Held& h : cases) {
     SCOPED_TRACE(std::string(matrixSpec(h.id).name) + (h.model == &det ? " det" : " tv"));
     EXPECT_EQ(h.model->holds(h.id) ? h.model->matrix(h.id)->cols() : -1, h.cols);
@@ -148,6 +141,201 @@ TEST(Model, MatrixTableNamesEveryMatrixOnce) {
   EXPECT_EQ(*matrixByName("g"), MatrixId::g);
   EXPECT_FALSE(matrixByName("NOPE").has_value());
   EXPECT_STREQ(matrixSpec(MatrixId::SITT0).title, "SITTO Matrix");
+}
+
+TEST(ExampleTableText, RowsAreReadWithTheirCascadeEntries) {
+  const ExampleTable t = ExampleTable::parse(
+      "# comment\r\n\r\nid\tfile\tdescription\tauthor\tcountry\tfunctional form\tstochastic "
+      "terms\tsubject\n3604\tgap1.ovi\tgap1 - A gap\tTeam\tHome\tRegular\tDeterministic\tPolicy\n"
+      "3600\tb.ovi\tb - B\ta\tc\tf\ts\tsub\r\n",
+      "t.tsv");
+  ASSERT_EQ(t.rows().size(), 2u) << t.problem();
+  EXPECT_EQ(t.problem(), "");
+  EXPECT_EQ(t.row(3600)->subject, "sub");  // the carriage return is not part of the field
+  EXPECT_EQ(t.row(3604)->*exampleCascades()[1].field, "Home");
+  EXPECT_EQ(t.row(3608), nullptr);
+}
+
+// A faulty table is refused whole, its problem naming the line and the field.
+TEST(ExampleTableText, AFaultyTableHasNoRowsAndNamesItsProblem) {
+  const std::vector<std::string> entries = testing::dataLines("model_example_table_faults.txt");
+  ASSERT_EQ(entries.size(), 18u);
+  for (std::size_t i = 0; i < entries.size(); i += 2) {
+    const ExampleTable t = ExampleTable::parse(entries[i], "t.tsv");
+    EXPECT_TRUE(t.rows().empty()) << entries[i];
+    EXPECT_EQ(t.problem(), entries[i + 1]);
+  }
+  EXPECT_EQ(ExampleTable::read("/nonexistent/examples.tsv").problem(),
+            "The example table /nonexistent/examples.tsv cannot be read.");
+}
+
+// Reshaping a model that holds data: every cell that still fits keeps its text, new cells are
+// "0", and the dialogs' old -> new rules run in their order with their texts.
+std::string bytes(const Model& model) {
+  std::string out;
+  RecordingPrompter prompter;
+  EXPECT_TRUE(serializeModel(model, "m.ovi", out, prompter));
+  return out;
+}
+
+Model filled(int stochTerms, int wForm = opt::kWConstant) {
+  testing::ModelShape shape{.m = 2, .l = 2, .np = 2, .ny = 2};
+  shape.flags.wForm = wForm;
+  Model model = testing::makeModel(shape, stochTerms);
+  testing::fillDistinct(model);
+  return model;
+}
+
+AskDeleteElem answers(std::vector<int> typed) {
+  auto next = std::make_shared<std::size_t>(0);
+  return [typed, next]() -> std::optional<int> { return typed.at((*next)++); };
+}
+
+struct ClassCase {
+  Count Dimensions::*count;
+  const char* matrix;  // a matrix whose first side is of the class
+  const char* added;   // what the addition reports
+};
+
+class AddThenDelete : public ::testing::TestWithParam<ClassCase> {};
+
+// Adding one element and deleting it again gives back the model file byte for byte; deleting the
+// first element moves every other row up with its text.
+TEST_P(AddThenDelete, RestoresTheModelAndDeletionRenumbers) {
+  const ClassCase c = GetParam();
+  const Model original = filled(opt::kMeasurementError);
+  Model model = original;
+  RecordingPrompter prompter;
+  prompter.setAnswerYes(true);
+  auto resize = [&](int by, std::vector<int> typed) {
+    const Dimensions old = model.dims;
+    (model.dims.*c.count).set((old.*c.count).value + by);
+    reconcileSize(model, old, prompter, answers(std::move(typed)));
+  };
+  const int count = (model.dims.*c.count).value;
+  resize(1, {});
+  // (a state added under measurement error brings its observation, reported after it)
+  EXPECT_EQ(prompter.messages().at(0).text, c.added);
+  const MatrixId id = *matrixByName(c.matrix);
+  EXPECT_EQ(model.matrix(id)->rows(), count + 1);
+  EXPECT_EQ(model.matrix(id)->cell(count, 0), "0");
+  resize(-1, {count + 1});
+  EXPECT_EQ(bytes(model), bytes(original));
+  resize(-1, {1});
+  EXPECT_EQ(model.matrix(id)->cell(0, 0), original.matrix(id)->cell(1, 0));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Classes, AddThenDelete,
+    ::testing::Values(
+        ClassCase{&Dimensions::n, "X0", "Completed Addition of State Variables"},
+        ClassCase{&Dimensions::m, "LAMBDA", "Completed Addition of Control Variables"},
+        ClassCase{&Dimensions::l, "Z", "Completed Addition of Exogenous Variables"},
+        ClassCase{&Dimensions::np, "TH0", "Added uncertain parameters."},
+        ClassCase{&Dimensions::ny, "H", "Completed Addition of Observation Variables"}),
+    [](const auto& info) { return std::string(info.param.matrix); });
+
+// Lowering n from 4 to 2 asks twice; the second deletion is told the count after the first, so
+// the same index 4 is now out of range, and the count says what the matrices hold.
+TEST(ReconcileSize, EachDeletionSeesTheCountBeforeIt) {
+  Model model = filled(opt::kDeterministic);
+  RecordingPrompter growing, prompter;
+  prompter.setAnswerYes(true);
+  for (auto [n, p, typed] : {std::tuple{4, &growing, std::vector<int>{}}, {2, &prompter, {4, 4}}}) {
+    const Dimensions old = model.dims;
+    model.dims.n.set(n);
+    reconcileSize(model, old, *p, answers(typed));
+  }
+  const std::vector<std::string> texts = testing::shown(prompter);
+  ASSERT_EQ(texts.size(), 4u);
+  EXPECT_EQ(texts[0].rfind("Deletion procedure.: One state variable at a time", 0), 0u);
+  EXPECT_EQ(texts[2], "Transformation: Completed Deletion of a State Variable");
+  EXPECT_EQ(texts[3], "Warning!: Index exceeds the number of  \t\t\t\r state variables");
+  EXPECT_EQ(model.dims.n.value, 3);
+  EXPECT_EQ(model.matrix(MatrixId::A)->rows(), 3);
+}
+
+// The initial period cannot change; the terminal one drops or adds "0" columns of every
+// per-period matrix in use, but XSIS keeps its width under additive noise alone.
+TEST(ReconcileSize, PeriodsAndTheirQuirks) {
+  Model model = filled(opt::kAdditiveNoise, opt::kWTimeVarying);
+  const Model original = model;
+  RecordingPrompter prompter;
+  model.dims.initialPeriod.set(2);
+  model.dims.terminalPeriod.set(6);
+  model.dims.recomputePeriods();
+  reconcileSize(model, original.dims, prompter, answers({}));
+  EXPECT_EQ(model.dims.initialPeriod, original.dims.initialPeriod);
+  const TextMatrix& wt = *model.matrix(MatrixId::WT);
+  ASSERT_EQ(wt.cols(), 6);
+  EXPECT_EQ(wt.cell(1, 3), original.matrix(MatrixId::WT)->cell(1, 3));
+  EXPECT_EQ(wt.cell(1, 5), "0");
+  EXPECT_EQ(model.matrix(MatrixId::XSIS)->cols(), original.matrix(MatrixId::XSIS)->cols());
+  EXPECT_EQ(prompter.messages().back().text,
+            "Changes in the initial time period are not yet enabled.            \r Use changes in "
+            "the acronyms for the time periods instead.");
+}
+
+// Constant -> time varying -> constant gives the constant back (period 0 holds it); No to the
+// data-loss question keeps the time-varying form and its data.
+TEST(ReconcileSpecification, FormRoundTripsAndDeclinedLoss) {
+  Model model = filled(opt::kDeterministic);
+  const Model original = model;
+  RecordingPrompter prompter, no;
+  prompter.setAnswerYes(true);
+  auto change = [&](int SpecFlags::*flag, int to, RecordingPrompter& p) {
+    const SpecFlags old = model.flags;
+    model.flags.*flag = to;
+    reconcileSpecification(model, old, p, nullptr);
+  };
+  for (auto [flag, constant, timeVarying] :
+       {std::tuple{&SpecFlags::wForm, opt::kWConstant, opt::kWTimeVarying},
+        std::tuple{&SpecFlags::lambdaForm, opt::kLambdaConstant, opt::kLambdaTimeVarying},
+        std::tuple{&SpecFlags::zForm, opt::kZConstant, opt::kZTimeVarying}}) {
+    change(flag, timeVarying, prompter);
+    change(flag, constant, prompter);
+  }
+  EXPECT_EQ(bytes(model), bytes(original));
+  change(&SpecFlags::wForm, opt::kWTimeVarying, prompter);
+  model.matrix(MatrixId::WT)->setCell(0, 0, "7.5");
+  const SpecFlags old = model.flags;
+  model.flags.wForm = opt::kWConstant, model.flags.systemForm = opt::kPindyck;
+  reconcileSpecification(model, old, no, nullptr);
+  EXPECT_EQ(model.flags.wForm, opt::kWTimeVarying);
+  EXPECT_EQ(model.flags.systemForm, opt::kRegular);
+  EXPECT_EQ(model.matrix(MatrixId::WT)->cell(0, 0), "7.5");
+  EXPECT_EQ(no.messages().at(0).text,
+            "Not yet implemented! - System equations from Regular to Pindyck Form");
+}
+
+// Deterministic -> uncertain parameters -> measurement error -> deterministic, the counts coming
+// from the Size dialog in the middle: every step leaves a model that writes and reads back.
+TEST(ReconcileSpecification, StochasticTermsThereAndBack) {
+  Model model = testing::makeModel({}, opt::kDeterministic);
+  RecordingPrompter prompter;
+  auto step = [&](int to, auto setCounts) {
+    const SpecFlags old = model.flags;
+    model.flags.stochTerms = to;
+    reconcileSpecification(model, old, prompter, setCounts);
+    Model back;
+    RecordingPrompter quiet;
+    ASSERT_EQ(readModelBytes(bytes(model), "m.ovi", back, quiet), 1);
+    EXPECT_EQ(bytes(back), bytes(model));
+  };
+  step(opt::kParameterUncertainty, [&] { model.dims.np.set(2); });
+  EXPECT_EQ(model.matrix(MatrixId::ITHN)->rows(), 2);
+  EXPECT_EQ(model.parameters.acronyms.size(), 2u);
+  step(opt::kMeasurementError, [&] { model.dims.ny.set(2); });
+  EXPECT_EQ(*model.matrix(MatrixId::H), TextMatrix::identity(2));
+  step(opt::kDeterministic, [] {});
+  EXPECT_EQ(model.dims.np.value + model.dims.ny.value + model.dims.nmc.value, 0);
+  EXPECT_FALSE(model.holds(MatrixId::Q));
+  EXPECT_EQ(prompter.messages().back().text,
+            "Changed stochastic terms specification from stochastic\t\t\r with measurement error "
+            "to deterministic");
+  step(opt::kMeasurementError, [] {});
+  EXPECT_EQ(model.flags.stochTerms, opt::kDeterministic);
+  EXPECT_EQ(prompter.messages().back().caption, "Transformation not yet implemented!");
 }
 
 }  // namespace

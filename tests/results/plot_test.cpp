@@ -88,7 +88,7 @@ ResultsStore storeWithSolutions() {
 }
 
 // tests/data/results_plot_legends.txt: the legends of singles, pairs and triples.
-TEST(PlotSeries, LegendsOfSinglesPairsAndTriples) {
+TEST(PlotSeries, LegendsAndValuesOfSinglesPairsAndTriples) {
   const ResultsStore store = storeWithSolutions();
   const std::vector<std::string> cases = testing::dataLines("results_plot_legends.txt");
   ASSERT_EQ(cases.size(), 14u);
@@ -102,10 +102,7 @@ TEST(PlotSeries, LegendsOfSinglesPairsAndTriples) {
   }
   EXPECT_EQ(gatherSeries(store, {0, kPlotStates, kPathOptimum, 2168}).missingMethod, "CEWO");
   EXPECT_TRUE(gatherSeries(store, {-1, kPlotStates, kPathOptimum, 2160}).series.empty());
-}
-
-TEST(PlotSeries, DifferenceSubtractsTheDesiredPathAndControlsHaveOnePointFewer) {
-  const ResultsStore store = storeWithSolutions();
+  // A difference subtracts the desired path; controls have one point fewer.
   const SeriesGathering d = gatherDifference(store, 2167, 1, kPlotStates);
   EXPECT_EQ(d.series[1].values, (std::vector<double>{90, 99, 108, 117}));  // CE 90..120 minus t
   EXPECT_EQ(gatherOptimum(store, 2160, 0, kPlotStates).series[0].values.size(), 4u);
