@@ -108,8 +108,7 @@ int olfStep(int n, int m, int nt, int t, const Mat& a, const Mat& b, const Mat& 
             const SolveTrace& trace) {
   comphiolf(n, m, nt, t, a, b, crit, par, w, trace);
   comphilcolf(n, m, t, a, b, cs, crit, par, w, trace);
-  riccatiUpdate(n, m, w.phi, w.psi, w.theta, w.philc, w.thetalc, w.thetainv, w.k, w.p, w.g, w.glc,
-                &w.scratch);
+  riccatiUpdate(n, m, w);
   return trace.ok();
 }
 

@@ -1,6 +1,5 @@
 #include "solve/qlp.h"
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -336,9 +335,11 @@ int pathsAndCriterion(const SystemArrays& sys, const CriterionArrays& crit,
   return trace.ok();
 }
 
-int comphi(int n, int m, int nt, int t, const Mat& a, const Mat& b, const Mat& f, const Mat& k,
-           const Mat& lams, const Mat& ws, Mat& phi, Mat& psi, Mat& theta, const SolveTrace& trace,
-           RiccatiScratch* scratch) {
+int comphi(int n, int m, int nt, int t, const Mat& a, const Mat& b, const CriterionArrays& crit,
+           RiccatiWork& w, const SolveTrace& trace) {
+  const Mat &f = crit.f, &lams = crit.lams, &ws = crit.ws, &k = w.k;
+  Mat &phi = w.phi, &psi = w.psi, &theta = w.theta;
+  RiccatiScratch& work = w.scratch;
   const bool traced = trace.on(SolveTopic::PhiThetaPsi);
   if (traced) {
     DebugFile& d = trace.file();
@@ -346,8 +347,6 @@ int comphi(int n, int m, int nt, int t, const Mat& a, const Mat& b, const Mat& f
     d.dumpMatrix("kj1 in comphi", 1, n, 1, n, k);
     d.dumpMatrix("ws in comphi", 1, n, 0, nt, ws);
   }
-  std::optional<RiccatiScratch> own;
-  RiccatiScratch& work = scratch != nullptr ? *scratch : own.emplace(n, m);
   mmul31tv(n, n, t, a, k, ws, phi, trace.matrixTrace(SolveTopic::PhiThetaPsi), work.quadA);
   mqformdiag(m, n, t, b, k, lams, theta, work.quadB);
   // theta's quadratic form leaves K B behind; psi = A' (K B) + F takes it from there, so that
@@ -365,11 +364,10 @@ int comphi(int n, int m, int nt, int t, const Mat& a, const Mat& b, const Mat& f
   return trace.ok();
 }
 
-void comphilc(int n, int m, int t, const Mat& a, const Mat& b, const Mat& cs, const Mat& k,
-              const Mat& p, const Mat& wlcs, const Mat& lamlcs, Mat& philc, Mat& thetalc,
-              RiccatiScratch* scratch) {
-  Mat own = scratch != nullptr ? Mat() : mat2(1, n, 1, 1);
-  Mat& q = scratch != nullptr ? scratch->q : own;
+void comphilc(int n, int m, int t, const Mat& a, const Mat& b, const Mat& cs,
+              const CriterionArrays& crit, RiccatiWork& w) {
+  const Mat &k = w.k, &p = w.p, &wlcs = crit.wlcs, &lamlcs = crit.lamlcs;
+  Mat &philc = w.philc, &thetalc = w.thetalc, &q = w.scratch.q;
   for (int i = 1; i <= n; ++i) {
     double kc = 0.0;
     for (int j = 1; j <= n; ++j) kc += k(i, j) * cs(j, t);
@@ -387,11 +385,10 @@ void comphilc(int n, int m, int t, const Mat& a, const Mat& b, const Mat& cs, co
   }
 }
 
-void riccatiUpdate(int n, int m, const Mat& phi, const Mat& psi, const Mat& theta, const Mat& philc,
-                   const Mat& thetalc, Mat& thetainv, Mat& k, Mat& p, Mat& g, Mat& glc,
-                   RiccatiScratch* scratch) {
-  std::optional<RiccatiScratch> own;
-  RiccatiScratch& work = scratch != nullptr ? *scratch : own.emplace(n, m);
+void riccatiUpdate(int n, int m, RiccatiWork& w) {
+  const Mat &phi = w.phi, &psi = w.psi, &theta = w.theta, &philc = w.philc, &thetalc = w.thetalc;
+  Mat &thetainv = w.thetainv, &k = w.k, &p = w.p, &g = w.g, &glc = w.glc;
+  RiccatiScratch& work = w.scratch;
   minv(m, theta, thetainv, work.inverse);
   Mat& psithinv = work.psithinv;
   mmul(n, m, m, psi, thetainv, psithinv);
@@ -426,11 +423,9 @@ int backward(int n, int m, int nt, int last, const Mat& a, const Mat& b, const M
   w.terminal(n, nt, crit.ws, crit.wlcs);
   for (int t = nt - 1; t >= last; --t) {
     atStep.before(t);
-    comphi(n, m, nt, t, a, b, crit.f, w.k, crit.lams, crit.ws, w.phi, w.psi, w.theta, trace,
-           &w.scratch);
-    comphilc(n, m, t, a, b, cs, w.k, w.p, crit.wlcs, crit.lamlcs, w.philc, w.thetalc, &w.scratch);
-    riccatiUpdate(n, m, w.phi, w.psi, w.theta, w.philc, w.thetalc, w.thetainv, w.k, w.p, w.g, w.glc,
-                  &w.scratch);
+    comphi(n, m, nt, t, a, b, crit, w, trace);
+    comphilc(n, m, t, a, b, cs, crit, w);
+    riccatiUpdate(n, m, w);
     atStep.after(t);
   }
   return trace.ok();

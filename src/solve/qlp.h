@@ -66,30 +66,13 @@ int criterionInput(const Model& model, const SolveTrace& trace, CriterionArrays&
 
 // Scratch of one Riccati step (K c + p, psi thetainv, psi' and (psi thetainv) psi', the quadratic
 // forms' products and the inversion's factors), made once per recursion so that its steps
-// allocate nothing. The steps below take it when given and otherwise make their own; the numbers
-// are the same either way.
+// allocate nothing.
 struct RiccatiScratch {
   RiccatiScratch(int n, int m);
   Mat q, psithinv, psit, psipsi;
   QuadFormWork quadA, quadB;
   MinvWork inverse;
 };
-
-// One Riccati step's quadratic forms for period t, K the matrix of period t+1:
-// phi = A'KA + diag(ws(:, t)), theta = B'KB + diag(lams(:, t)), psi = A'KB + F.
-int comphi(int n, int m, int nt, int t, const Mat& a, const Mat& b, const Mat& f, const Mat& k,
-           const Mat& lams, const Mat& ws, Mat& phi, Mat& psi, Mat& theta, const SolveTrace& trace,
-           RiccatiScratch* scratch = nullptr);
-// Its linear terms, with p the vector of period t+1: q = K c(t) + p, philc = A'q + wlcs(:, t),
-// thetalc = B'q + lamlcs(:, t).
-void comphilc(int n, int m, int t, const Mat& a, const Mat& b, const Mat& cs, const Mat& k,
-              const Mat& p, const Mat& wlcs, const Mat& lamlcs, Mat& philc, Mat& thetalc,
-              RiccatiScratch* scratch = nullptr);
-// The step from period t+1 to t: thetainv = theta^-1, K = phi - (psi thetainv) psi',
-// p = philc - (psi thetainv) thetalc, G = -(thetainv psi'), g = -(thetainv thetalc).
-void riccatiUpdate(int n, int m, const Mat& phi, const Mat& psi, const Mat& theta, const Mat& philc,
-                   const Mat& thetalc, Mat& thetainv, Mat& k, Mat& p, Mat& g, Mat& glc,
-                   RiccatiScratch* scratch = nullptr);
 
 // The running values of one backward recursion: K and p of the period just solved, the step's
 // quadratic forms and linear terms, its rule, and the step's scratch.
@@ -100,6 +83,18 @@ struct RiccatiWork {
   // The terminal values K = diag(ws(:, nt)), p = wlcs(:, nt).
   void terminal(int n, int nt, const Mat& ws, const Mat& wlcs);
 };
+
+// One Riccati step's quadratic forms for period t, with w.k the K of period t+1:
+// phi = A'KA + diag(ws(:, t)), theta = B'KB + diag(lams(:, t)), psi = A'KB + F.
+int comphi(int n, int m, int nt, int t, const Mat& a, const Mat& b, const CriterionArrays& crit,
+           RiccatiWork& w, const SolveTrace& trace);
+// Its linear terms, with w.p the p of period t+1: q = K c(t) + p, philc = A'q + wlcs(:, t),
+// thetalc = B'q + lamlcs(:, t).
+void comphilc(int n, int m, int t, const Mat& a, const Mat& b, const Mat& cs,
+              const CriterionArrays& crit, RiccatiWork& w);
+// The step from period t+1 to t: thetainv = theta^-1, K = phi - (psi thetainv) psi',
+// p = philc - (psi thetainv) thetalc, G = -(thetainv psi'), g = -(thetainv thetalc).
+void riccatiUpdate(int n, int m, RiccatiWork& w);
 // Keeps G and g as the rule of period t.
 void storeRule(int n, int m, int t, const Mat& g, const Mat& glc, FeedbackRule& rule);
 
