@@ -142,9 +142,10 @@ struct Harness {
 
   std::string title() const { return window->windowTitle().remove("[*]").toStdString(); }
 
-  bool resultsShown() const {
+  // Whether the window shows results or holds those of QLP.
+  bool holdsResults() const {
     return window->resultsView()->isVisibleTo(window.get()) ||
-           window->resultsView()->table().has_value();
+           window->resultsView()->table().has_value() || window->workbench().results.find("QLP");
   }
 
   void activate() const {

@@ -121,28 +121,20 @@ TEST(MainWindowCommands, NoCommandIsSilentlyDead) {
 // Commands that refuse or are not there yet only explain themselves, each in its words
 // (tests/data/ui_command_messages.txt), and ask for no file.
 TEST(MainWindowCommands, CommandsThatOnlyExplainShowTheirMessages) {
-  const struct {
-    const char* section;
-    const char* file;
-    std::function<void(Model&)> change;
-    std::vector<int> ids;
-  } cases[] = {
-      {"placeholders", "", {}, {180, 27, 158, 142, 143, 147, 148}},
-      {"empty model", "", {}, {cmd::kSolveQlp}},
-      {"deterministic", "track1.ovi", {}, {76, 77, 78}},
-      {"parameter uncertainty", "track1.ovi", [](Model& m) { m.flags.stochTerms = 1724; }, {78}},
-      {"no policy effect", "track1.ovi", [](Model& m) { m.flags.policyToParam = 406; }, {80}},
-      {"lead",
-       "track1.ovi",
-       [](Model& m) { m.flags.forwardVars = 405, m.dims.maxLead.set(4); },
-       {71}}};
-  for (const auto& c : cases) {
-    Harness h(*c.file ? example(c.file) : "");
-    if (c.change) c.change(h.window->workbench().model);
-    for (int id : c.ids) h.window->dispatch(id);
-    EXPECT_EQ(testing::shown(h.prompter),
-              testing::dataSection("ui_command_messages.txt", c.section));
-    EXPECT_TRUE(h.prompter.fileRequests().empty()) << c.section;
+  using Change = void (*)(Model&);
+  const std::tuple<const char*, bool, Change, std::vector<int>> cases[] = {
+      {"placeholders", false, nullptr, {180, 27, 158, 142, 143, 147, 148}},
+      {"empty model", false, nullptr, {cmd::kSolveQlp}},
+      {"deterministic", true, nullptr, {76, 77, 78}},
+      {"parameter uncertainty", true, [](Model& m) { m.flags.stochTerms = 1724; }, {78}},
+      {"no policy effect", true, [](Model& m) { m.flags.policyToParam = 406; }, {80}},
+      {"lead", true, [](Model& m) { m.flags.forwardVars = 405, m.dims.maxLead.set(4); }, {71}}};
+  for (const auto& [section, track, change, ids] : cases) {
+    Harness h(track ? example("track1.ovi") : "");
+    if (change) change(h.window->workbench().model);
+    for (int id : ids) h.window->dispatch(id);
+    EXPECT_EQ(testing::shown(h.prompter), testing::dataSection("ui_command_messages.txt", section));
+    EXPECT_TRUE(h.prompter.fileRequests().empty()) << section;
   }
   // Under parameter uncertainty its own terms are entered.
   Harness h(example("track1.ovi"));
@@ -151,43 +143,55 @@ TEST(MainWindowCommands, CommandsThatOnlyExplainShowTheirMessages) {
   EXPECT_EQ(h.dialogs, Texts{"DataInStoch"});
 }
 
-// A file named on the command line that cannot be read: the message names it, and so does the
-// title.
-TEST(MainWindowStartup, AnUnreadableFileArgumentIsNamed) {
-  Harness h("/nonexistent/dir/nothere.ovi");
-  EXPECT_EQ(testing::shown(h.prompter), Texts{"Ovaro: File nothere.ovi cannot be read!"});
-  EXPECT_EQ(h.prompter.messages()[0].icon, Icon::Exclamation);
-  EXPECT_EQ(h.title(), "Ovaro - nothere.ovi");
-}
-
-TEST(MainWindowFile, TitleThroughOpenSaveAsClearAndExamples) {
+// The title and the current file through Open, Save As, an example and Clear; each new model
+// takes the old results away.
+TEST(MainWindowFile, TitleAndResultsThroughOpenSaveAsExamplesAndClear) {
   testing::TempDir dir;
-  Harness h;
+  const std::string track = exampleCopy(dir, "track1.ovi");
+  Harness h(track);
+  h.window->dispatch(cmd::kSolveQlp);
   // Open cancelled: title unchanged, modified flag cleared although nothing was read.
   QTest::keyClicks(h.window->textArea(), "note");
   EXPECT_EQ(h.window->shellState().modified, 1);
   h.prompter.scriptAnswer(Answer::No);  // do not save the note
   h.run(cmd::kOpen, {std::nullopt});
-  EXPECT_EQ(h.title(), "Ovaro - (untitled)");
+  EXPECT_EQ(h.title(), "Ovaro - track1.ovi");
   EXPECT_EQ(h.window->shellState().modified, 0);
-  EXPECT_EQ(h.texts(), Texts{"Save current changes in (untitled)?"});
+  EXPECT_EQ(h.texts(), Texts{"Save current changes in track1.ovi?"});
   EXPECT_EQ(h.prompter.messages()[0].buttons, Buttons::YesNoCancel);
-  // Open a file that cannot be read: message, then the name is forgotten.
+  // Open a file that cannot be read: message, and the model keeps its file and its results.
   h.prompter.clear();
   h.run(cmd::kOpen, {dir.file("missing.ovi")});
   EXPECT_EQ(h.texts(), Texts{"Could not read file missing.ovi!"});
-  EXPECT_TRUE(h.window->shellState().fileName.empty());
+  EXPECT_EQ(h.window->shellState().fileName, track);
+  EXPECT_TRUE(h.holdsResults());
   // Open the example; then Save As writes a copy that reads back equal.
   h.run(cmd::kOpen, {example("infl2.ovi")});
   EXPECT_EQ(h.title(), "Ovaro - infl2.ovi");
+  EXPECT_FALSE(h.holdsResults());
   const std::string copy = dir.file("copy.ovi");
   h.run(cmd::kSaveAs, {copy});
   EXPECT_EQ(h.title(), "Ovaro - copy.ovi");
   Model readBack;
   ASSERT_EQ(readModelFile(copy, readBack, h.prompter), 1);
   EXPECT_EQ(serialized(readBack), serialized(h.window->workbench().model));
+  // An example: no save prompt despite unsaved edits; the title names the example while the
+  // current file stays the one last saved.
+  h.window->dispatch(cmd::kSolveQlp);
+  QTest::keyClicks(h.window->textArea(), "x");
+  h.prompter.clear();
+  h.loadExample();
+  EXPECT_FALSE(h.holdsResults());
+  EXPECT_EQ(h.title(), "Ovaro - track1.ovi");
+  EXPECT_EQ(h.dialogs.back(), "DescWin");  // the loaded model's description opens
+  EXPECT_EQ(h.window->shellState().fileName, copy);
+  EXPECT_EQ(testing::shown(h.prompter),
+            Texts{"Model Loaded: " + std::string(defaultExample().description)});
   // Clear: the title forgets the file, the window does not; Save writes to it without asking.
+  h.window->dispatch(cmd::kSolveQlp);
+  ASSERT_TRUE(h.holdsResults());
   h.window->dispatch(cmd::kClear);
+  EXPECT_FALSE(h.holdsResults());
   EXPECT_EQ(h.title(), "Ovaro - (untitled)");
   EXPECT_EQ(h.window->shellState().fileName, copy);
   const std::size_t requests = h.prompter.fileRequests().size();
@@ -195,16 +199,6 @@ TEST(MainWindowFile, TitleThroughOpenSaveAsClearAndExamples) {
   EXPECT_EQ(h.prompter.fileRequests().size(), requests);
   ASSERT_EQ(readModelFile(copy, readBack, h.prompter), 1);
   EXPECT_EQ(readBack.dims.n.value, 0);
-  // An example: no save prompt despite unsaved edits; the title names the example while the
-  // current file stays the one last saved.
-  QTest::keyClicks(h.window->textArea(), "x");
-  h.prompter.clear();
-  h.loadExample();
-  EXPECT_EQ(h.title(), "Ovaro - track1.ovi");
-  EXPECT_EQ(h.dialogs.back(), "DescWin");  // the loaded model's description opens
-  EXPECT_EQ(h.window->shellState().fileName, copy);
-  EXPECT_EQ(testing::shown(h.prompter),
-            Texts{"Model Loaded: " + std::string(defaultExample().description)});
 }
 
 TEST(MainWindowFile, SavePromptOnClose) {
@@ -246,10 +240,11 @@ TEST(MainWindowFile, SavePromptOnClose) {
 // The toggles flip their preference and check mark; Clear restores the start-up preferences.
 TEST(MainWindowPreferences, TogglesFollowTheirPreferenceAndClearRestoresThem) {
   Harness h;
-  for (const auto& [id, flag] : std::vector<std::pair<int, int ShellPreferences::*>>{
-           {168, &ShellPreferences::warningMessages},
-           {2916, &ShellPreferences::askScenarioQuestion},
-           {2908, &ShellPreferences::debugImportedMatrices}}) {
+  using P = ShellPreferences;
+  const std::pair<int, int P::*> toggles[] = {{168, &P::warningMessages},
+                                              {2916, &P::askScenarioQuestion},
+                                              {2908, &P::debugImportedMatrices}};
+  for (const auto& [id, flag] : toggles) {
     const int before = h.window->workbench().shell.*flag;
     h.window->dispatch(id);
     EXPECT_EQ(h.window->workbench().shell.*flag, 1 - before) << id;
@@ -356,7 +351,7 @@ TEST(MainWindowSolve, CompareWithAScriptedMethodChoice) {
   EXPECT_EQ(wb.results.ran.compare, (std::array<bool, 5>{true, true, false, false, false}));
   EXPECT_EQ(wb.results.display.selector, 3328);  // HCFR-CE
   EXPECT_TRUE(wb.results.find("HCFR") != nullptr && wb.results.find("CE") != nullptr);
-  EXPECT_TRUE(h.resultsShown());
+  EXPECT_TRUE(h.holdsResults());
   // The progress bar counted every run and is put away.
   EXPECT_EQ(h.window->progressBar()->value(), wb.model.dims.nmc.value);
   EXPECT_FALSE(h.window->progressBar()->isVisibleTo(h.window.get()));
@@ -502,26 +497,8 @@ TEST(MainWindowFile, ImportsFillTheModelAndEchoToTheDebugFile) {
   EXPECT_NE(testing::slurp(dir.file("b.dbg")).find(" B "), std::string::npos);
 }
 
-// Open, Clear and an example each take the old results away.
-TEST(MainWindowSession, AChangedModelTakesTheOldResultsAway) {
-  testing::TempDir dir;
-  const std::vector<std::function<void(Harness&)>> changes = {
-      [&](Harness& h) { h.run(cmd::kOpen, {exampleCopy(dir, "learn1.ovi")}); },
-      [](Harness& h) { h.window->dispatch(cmd::kClear); }, [](Harness& h) { h.loadExample(); }};
-  for (std::size_t i = 0; i < changes.size(); ++i) {
-    Harness h(exampleCopy(dir, "track1.ovi"));
-    h.window->dispatch(cmd::kSolveQlp);
-    ASSERT_TRUE(h.resultsShown());
-    changes[i](h);
-    EXPECT_FALSE(h.resultsShown()) << i;
-    h.prompter.clear();
-    h.window->dispatch(cmd::kDisplay);  // QLP still chosen
-    ASSERT_FALSE(h.texts().empty());
-    EXPECT_TRUE(h.texts().back().starts_with("There are no results to display")) << i;
-  }
-}
-
 // Prose, then a version and a size that are not whole numbers: refused, and Save spares them.
+// Named on the command line, a file that cannot be read is named in the message and the title.
 TEST(MainWindowSession, AFileThatIsNotAModelChangesNothingAndSaveSparesIt) {
   testing::TempDir dir;
   Harness h(exampleCopy(dir, "track1.ovi"));
@@ -537,6 +514,10 @@ TEST(MainWindowSession, AFileThatIsNotAModelChangesNothingAndSaveSparesIt) {
     EXPECT_EQ(serialized(h.window->workbench().model), before);
     EXPECT_EQ(testing::slurp(notes), text);
   }
+  Harness named("/nonexistent/dir/nothere.ovi");
+  EXPECT_EQ(testing::shown(named.prompter), Texts{"Ovaro: File nothere.ovi cannot be read!"});
+  EXPECT_EQ(named.prompter.messages()[0].icon, Icon::Exclamation);
+  EXPECT_EQ(named.title(), "Ovaro - nothere.ovi");
 }
 
 // Standard keys, the modified mark, and what a restart keeps (in a private settings store).
@@ -559,7 +540,7 @@ TEST(MainWindowSession, ShortcutsModifiedMarkAndWhatARestartKeeps) {
     for (const char* key : {"Ctrl+S", "Ctrl+Shift+S", "F5"})
       QTest::keySequence(h.window.get(), QKeySequence(key));
     EXPECT_EQ(h.prompter.fileRequests().size(), 2u);  // Open, then Save As (Save did not ask)
-    EXPECT_TRUE(h.resultsShown());                    // F5 solved
+    EXPECT_TRUE(h.holdsResults());                    // F5 solved
     h.fill = [](QDialog& d) {                         // Preferences: Threads for Monte Carlo runs
       d.findChild<QSpinBox*>("threads")->setValue(3);
       return test::accepted(d);
