@@ -21,7 +21,6 @@
 #include "results/results_table.h"
 #include "solve/drivers.h"
 #include "ui/dialogs/examples_browser.h"
-#include "ui/dialogs/form_dialogs.h"
 #include "ui/dialogs/matrix_entry.h"
 #include "ui/harness.h"
 #include "ui/plots/criterion_summary_window.h"
@@ -61,7 +60,7 @@ std::vector<QAction*> actionsOf(QMenu* menu) {
 // File: Examples holds every example once.
 TEST(MainWindowCommands, EveryCommandHasItsMenuItemLabelAndHandler) {
   Harness h;
-  std::multiset<int> inMenus, listed, examples;
+  std::multiset<int> inMenus, listed;
   for (QAction* top : h.window->menuBar()->actions())
     for (QAction* a : actionsOf(top->menu())) inMenus.insert(a->data().toInt());
   std::vector<std::pair<int, std::string>> commands;
@@ -69,7 +68,6 @@ TEST(MainWindowCommands, EveryCommandHasItsMenuItemLabelAndHandler) {
     commands.emplace_back(std::stoi(line), line.substr(line.find(' ') + 1));
   for (const ExampleEntry& e : exampleTable()) {
     commands.emplace_back(e.commandId, e.description);
-    examples.insert(e.commandId);
     for (int k = 0; k < 4; ++k) listed.insert(e.commandId);  // one item in each cascade
   }
   ASSERT_GT(commands.size(), 140u);
@@ -91,9 +89,7 @@ TEST(MainWindowCommands, EveryCommandHasItsMenuItemLabelAndHandler) {
   for (std::size_t k = 0; k < 5; ++k) {
     const QAction* cascade = cascades->actions()[static_cast<qsizetype>(k)];
     EXPECT_EQ(cascade->text().toStdString(), exampleCascades()[k].caption);
-    std::multiset<int> ids;
-    for (QAction* a : actionsOf(cascade->menu())) ids.insert(a->data().toInt());
-    EXPECT_EQ(ids, examples) << k;
+    EXPECT_EQ(actionsOf(cascade->menu()).size(), exampleTable().size()) << k;
   }
 }
 
@@ -126,7 +122,7 @@ TEST(MainWindowCommands, CommandsThatOnlyExplainShowTheirMessages) {
       {"placeholders", false, nullptr, {180, 27, 158, 142, 143, 147, 148}},
       {"empty model", false, nullptr, {cmd::kSolveQlp}},
       {"deterministic", true, nullptr, {76, 77, 78}},
-      {"parameter uncertainty", true, [](Model& m) { m.flags.stochTerms = 1724; }, {78}},
+      {"parameter uncertainty", true, [](Model& m) { m.flags.stochTerms = 1724; }, {77, 78}},
       {"no policy effect", true, [](Model& m) { m.flags.policyToParam = 406; }, {80}},
       {"lead", true, [](Model& m) { m.flags.forwardVars = 405, m.dims.maxLead.set(4); }, {71}}};
   for (const auto& [section, track, change, ids] : cases) {
@@ -135,12 +131,9 @@ TEST(MainWindowCommands, CommandsThatOnlyExplainShowTheirMessages) {
     for (int id : ids) h.window->dispatch(id);
     EXPECT_EQ(testing::shown(h.prompter), testing::dataSection("ui_command_messages.txt", section));
     EXPECT_TRUE(h.prompter.fileRequests().empty()) << section;
+    // Under parameter uncertainty its own terms are entered.
+    EXPECT_EQ(h.dialogs, ids == std::vector{77, 78} ? Texts{"DataInStoch"} : Texts{}) << section;
   }
-  // Under parameter uncertainty its own terms are entered.
-  Harness h(example("track1.ovi"));
-  h.window->workbench().model.flags.stochTerms = 1724;
-  h.window->dispatch(77);
-  EXPECT_EQ(h.dialogs, Texts{"DataInStoch"});
 }
 
 // The title and the current file through Open, Save As, an example and Clear; each new model
@@ -180,7 +173,10 @@ TEST(MainWindowFile, TitleAndResultsThroughOpenSaveAsExamplesAndClear) {
   h.window->dispatch(cmd::kSolveQlp);
   QTest::keyClicks(h.window->textArea(), "x");
   h.prompter.clear();
-  h.loadExample();
+  const std::filesystem::path cwd = std::filesystem::current_path();
+  std::filesystem::current_path(OVARO_SOURCE_DIR);  // where the workbench looks for examples
+  h.window->dispatch(defaultExample().commandId);
+  std::filesystem::current_path(cwd);
   EXPECT_FALSE(h.holdsResults());
   EXPECT_EQ(h.title(), "Ovaro - track1.ovi");
   EXPECT_EQ(h.dialogs.back(), "DescWin");  // the loaded model's description opens
@@ -417,31 +413,6 @@ TEST(MainWindowSolve, CancelledComparisonKeepsNothing) {
   EXPECT_FALSE(h.window->cancelButton()->isVisibleTo(h.window.get()));
 }
 
-// Data: Size on a model with data grows it through the transformation (old cells kept, old
-// results gone); Delete a State Variable takes the new state out again.
-TEST(MainWindowModel, SizeAndTransformationsReshapeTheModel) {
-  testing::TempDir dir;
-  Harness h(exampleCopy(dir, "track1.ovi"));
-  Workbench& wb = h.window->workbench();
-  const TextMatrix a = *wb.model.matrix(MatrixId::A);
-  h.window->dispatch(cmd::kSolveQlp);
-  ASSERT_NE(wb.results.find("QLP"), nullptr);
-  h.fill = [](QDialog& d) {
-    if (auto* size = qobject_cast<SizeDialog*>(&d)) size->field(303)->setText("2");
-    if (auto* del = qobject_cast<DeleteElemDialog*>(&d)) del->field()->setText("2");
-    return test::accepted(d);
-  };
-  h.prompter.setAnswerYes(true);
-  h.window->dispatch(65);
-  EXPECT_EQ(wb.model.dims.n.value, 2);
-  ASSERT_EQ(wb.model.matrix(MatrixId::A)->rows(), 2);
-  EXPECT_EQ(wb.model.matrix(MatrixId::A)->cell(0, 0), a.cell(0, 0));
-  EXPECT_EQ(wb.results.find("QLP"), nullptr);
-  h.window->dispatch(121);
-  EXPECT_EQ(wb.model.dims.n.value, 1);
-  EXPECT_EQ(*wb.model.matrix(MatrixId::A), a);
-}
-
 // The browser (command 13) filters by a cascade's column and loads the example chosen with Enter.
 TEST(MainWindowExamples, BrowserFiltersByACascadeAndLoadsOnEnter) {
   Harness h;
@@ -473,28 +444,26 @@ TEST(MainWindowExamples, BrowserFiltersByACascadeAndLoadsOnEnter) {
   EXPECT_FALSE(browser);  // the browser lived only while it ran
 }
 
-// File: Import VELD echoes to the debug file and leaves an untitled model; File: Import System
-// Matrices fills the matrix chosen in the entry dialog from its file.
+// File: Import System Matrices fills the matrix chosen in the entry dialog from its file; File:
+// Import VELD echoes to the debug file and leaves an untitled model.
 TEST(MainWindowFile, ImportsFillTheModelAndEchoToTheDebugFile) {
   testing::TempDir dir;
   Harness h(example("track1.ovi"));
+  testing::spit(dir.file("b.dma"), "0.75\n");
+  h.fills.push_back([](QDialog& d) {
+    dynamic_cast<MatrixEntryDialog&>(d).buttons()->button(matrixButtonId(MatrixId::B))->click();
+    d.reject();
+    return 0;
+  });
+  h.run(cmd::kImportSystem, {dir.file("b.dma"), dir.file("b.dbg")});
+  EXPECT_EQ(h.window->workbench().model.matrix(MatrixId::B)->cell(0, 0), "0.75");
+  EXPECT_NE(testing::slurp(dir.file("b.dbg")).find(" B "), std::string::npos);
   h.run(cmd::kImportVeld, {testing::dataPath("interchange/learn1.vld"), dir.file("import.dbg")});
   EXPECT_EQ(h.window->workbench().model.acronym, "LEARN1");
   EXPECT_EQ(h.title(), "Ovaro - (untitled)");
   EXPECT_EQ(h.texts().back(), "Importation Completed");
   EXPECT_NE(testing::slurp(dir.file("import.dbg")).find("L7  L8  L9  L10 L11 L12 \n"),
             std::string::npos);
-
-  Harness m(example("track1.ovi"));
-  testing::spit(dir.file("b.dma"), "0.75\n");
-  m.fills.push_back([](QDialog& d) {
-    dynamic_cast<MatrixEntryDialog&>(d).buttons()->button(matrixButtonId(MatrixId::B))->click();
-    d.reject();
-    return 0;
-  });
-  m.run(cmd::kImportSystem, {dir.file("b.dma"), dir.file("b.dbg")});
-  EXPECT_EQ(m.window->workbench().model.matrix(MatrixId::B)->cell(0, 0), "0.75");
-  EXPECT_NE(testing::slurp(dir.file("b.dbg")).find(" B "), std::string::npos);
 }
 
 // Prose, then a version and a size that are not whole numbers: refused, and Save spares them.

@@ -1,11 +1,12 @@
-// Building a model in the workbench: the matrix editor on its own, then a model made from
-// nothing through File: New, the data-entry dialogs and the editor, saved, reopened and solved.
+// Building a model: the matrix editor on its own, then a model made from nothing through File:
+// New, the data-entry dialogs and the editor, saved, reopened, solved and reshaped.
 #include <QClipboard>
 #include <QMessageBox>
 #include <QTimer>
 #include <map>
 #include <tuple>
 
+#include "ui/dialogs/form_dialogs.h"
 #include "ui/dialogs/matrix_entry.h"
 #include "ui/editor/matrix_editor.h"
 #include "ui/harness.h"
@@ -174,6 +175,23 @@ TEST(ModelBuilding, NewModelThroughEveryDialogSavesReopensAndSolvesByQlp) {
   EXPECT_NEAR(qlp->solution.us(1, 0), u[0], 1e-9);
   EXPECT_NEAR(qlp->solution.us(1, 1), u[1], 1e-9);
   EXPECT_NEAR(qlp->solution.criterion, criterion(u[0], u[1]), 1e-9);
+  // Data: Size grows the model through the transformation (old cells kept, old results gone);
+  // Delete a State Variable takes the new state out again.
+  const TextMatrix a = *model.matrix(MatrixId::A);
+  reopened.fill = [](QDialog& d) {
+    if (auto* size = qobject_cast<SizeDialog*>(&d)) size->field(303)->setText("2");
+    if (auto* del = qobject_cast<DeleteElemDialog*>(&d)) del->field()->setText("2");
+    return test::accepted(d);
+  };
+  reopened.prompter.setAnswerYes(true);
+  reopened.window->dispatch(65);
+  EXPECT_EQ(model.dims.n.value, 2);
+  ASSERT_EQ(model.matrix(MatrixId::A)->rows(), 2);
+  EXPECT_EQ(model.matrix(MatrixId::A)->cell(0, 0), a.cell(0, 0));
+  EXPECT_FALSE(reopened.holdsResults());
+  reopened.window->dispatch(121);
+  EXPECT_EQ(model.dims.n.value, 1);
+  EXPECT_EQ(*model.matrix(MatrixId::A), a);
 }
 
 }  // namespace
