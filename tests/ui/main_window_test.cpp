@@ -132,7 +132,7 @@ TEST(MainWindowCommands, CommandsThatOnlyExplainShowTheirMessages) {
     EXPECT_EQ(testing::shown(h.prompter), testing::dataSection("ui_command_messages.txt", section));
     EXPECT_TRUE(h.prompter.fileRequests().empty()) << section;
     // Under parameter uncertainty its own terms are entered.
-    EXPECT_EQ(h.dialogs, ids == std::vector{77, 78} ? Texts{"DataInStoch"} : Texts{}) << section;
+    EXPECT_EQ(h.dialogs, ids.front() == 77 ? Texts{"DataInStoch"} : Texts{}) << section;
   }
 }
 
