@@ -3,7 +3,6 @@
 #include <QCheckBox>
 #include <QPlainTextEdit>
 #include <array>
-#include <cstdint>
 #include <regex>
 #include <tuple>
 

@@ -171,6 +171,7 @@ TEST(MainWindowFile, TitleAndResultsThroughOpenSaveAsExamplesAndClear) {
   // An example: no save prompt despite unsaved edits; the title names the example while the
   // current file stays the one last saved.
   h.window->dispatch(cmd::kSolveQlp);
+  ASSERT_TRUE(h.holdsResults());
   QTest::keyClicks(h.window->textArea(), "x");
   h.prompter.clear();
   const std::filesystem::path cwd = std::filesystem::current_path();
