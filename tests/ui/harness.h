@@ -17,7 +17,6 @@
 #include <QTabWidget>
 #include <QTest>
 #include <deque>
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -25,7 +24,6 @@
 #include <string>
 #include <vector>
 
-#include "model/example_table.h"
 #include "support/temp_dir.h"
 #include "support/test_data.h"
 #include "ui/main_window.h"
@@ -60,13 +58,6 @@ inline void press(QDialog& dialog, QDialogButtonBox::StandardButton which) {
   auto* box = dialog.findChild<QDialogButtonBox*>();
   ASSERT_TRUE(box != nullptr && box->button(which) != nullptr);
   box->button(which)->click();
-}
-
-// Clicks the button `id` of a button group, which must have it.
-inline void click(QButtonGroup* group, int id) {
-  QAbstractButton* b = group->button(id);
-  ASSERT_NE(b, nullptr) << "no button " << id;
-  b->click();
 }
 
 // A dialog script's answer: the dialog accepted as it stands.
@@ -142,9 +133,10 @@ struct Harness {
 
   std::string title() const { return window->windowTitle().remove("[*]").toStdString(); }
 
-  bool resultsShown() const {
+  // Whether the window shows results or holds those of QLP.
+  bool holdsResults() const {
     return window->resultsView()->isVisibleTo(window.get()) ||
-           window->resultsView()->table().has_value();
+           window->resultsView()->table().has_value() || window->workbench().results.find("QLP");
   }
 
   void activate() const {
@@ -157,13 +149,6 @@ struct Harness {
   void run(int id, std::vector<std::optional<std::string>> files = {}) {
     for (auto& f : files) prompter.scriptFileName(f);
     window->dispatch(id);
-  }
-  // Loads the default example from the menu; the workbench looks for it in the working directory.
-  void loadExample() {
-    const std::filesystem::path cwd = std::filesystem::current_path();
-    std::filesystem::current_path(OVARO_SOURCE_DIR);
-    window->dispatch(defaultExample().commandId);
-    std::filesystem::current_path(cwd);
   }
   // The texts of the messages shown.
   std::vector<std::string> texts() const {

@@ -1,11 +1,12 @@
-// Building a model in the workbench: the matrix editor on its own, then a model made from
-// nothing through File: New, the data-entry dialogs and the editor, saved, reopened and solved.
+// Building a model: the matrix editor on its own, then a model made from nothing through File:
+// New, the data-entry dialogs and the editor, saved, reopened, solved and reshaped.
 #include <QClipboard>
 #include <QMessageBox>
 #include <QTimer>
 #include <map>
 #include <tuple>
 
+#include "ui/dialogs/form_dialogs.h"
 #include "ui/dialogs/matrix_entry.h"
 #include "ui/editor/matrix_editor.h"
 #include "ui/harness.h"
@@ -37,14 +38,12 @@ TEST(MatrixEditor, ShowsMarksAndPastesCells) {
       for (int c = 0; c < cols; ++c)
         EXPECT_EQ(editor.cellField(r, c)->text().toStdString(), cells.cell(r, c));
   }
-  for (auto [text, plain, countsAs] : {std::tuple{"0.95", true, 0.95},
-                                       {" -1.5E+03 ", true, -1500.0},
-                                       {".5", true, 0.5},
-                                       {"abc", false, 0.0},
-                                       {"3abc", false, 3.0},
-                                       {"", false, 0.0},
-                                       {"1e", false, 1.0},
-                                       {"1,5", false, 1.0}}) {
+  const std::tuple<const char*, bool, double> texts[] = {
+      {"0.95", true, 0.95}, {" -1.5E+03 ", true, -1500.0},
+      {".5", true, 0.5},    {"abc", false, 0.0},
+      {"3abc", false, 3.0}, {"", false, 0.0},
+      {"1e", false, 1.0},   {"1,5", false, 1.0}};
+  for (auto [text, plain, countsAs] : texts) {
     EXPECT_EQ(readCell(text).plainNumber, plain) << text;
     EXPECT_DOUBLE_EQ(readCell(text).countsAs, countsAs) << text;
   }
@@ -130,25 +129,21 @@ std::array<double, 2> bruteForceOptimum() {
 TEST(ModelBuilding, NewModelThroughEveryDialogSavesReopensAndSolvesByQlp) {
   testing::TempDir dir;
   const std::string path = dir.file("tiny.ovi");
-  const std::map<QString, QString> values{{"A Matrix", "0.9"},
-                                          {"B Matrix", "0.5"},
-                                          {"C Matrix", "1"},
-                                          {"Z Elements", "1.0"},
-                                          {"X0 Vector", "2"},
-                                          {"W  - Enter Diagonal Elements Only", "1"},
-                                          {"LAMBDA  - Enter Diagonal Elements Only", "0.5"},
-                                          {"XDES Matrix - Constant", "1"},
-                                          {"UDES Matrix - Constant", "0"}};
+  // What the editors take, by the first word of their titles: "A Matrix", "W  - Enter ...".
+  const std::map<QString, QString> values{{"A", "0.9"},      {"B", "0.5"},  {"C", "1"},
+                                          {"Z", "1.0"},      {"X0", "2"},   {"W", "1"},
+                                          {"LAMBDA", "0.5"}, {"XDES", "1"}, {"UDES", "0"}};
+  const std::pair<int, const char*> size[] = {{303, "1"}, {302, "1"}, {305, "1"},
+                                              {309, "1"}, {310, "3"}, {313, "1.0E-06"}};
   {
     test::Harness h;
     h.fill = [&](QDialog& d) {
       if (d.objectName() == "Name") type(d.findChild<QLineEdit*>("edit300"), "TINY");
       if (d.objectName() == "Size")
-        for (auto [id, text] : std::map<int, const char*>{
-                 {303, "1"}, {302, "1"}, {305, "1"}, {309, "1"}, {310, "3"}, {313, "1.0E-06"}})
+        for (auto [id, text] : size)
           type(d.findChild<QLineEdit*>(QStringLiteral("edit%1").arg(id)), text);
       if (auto* editor = dynamic_cast<MatrixEditor*>(&d)) {
-        type(editor->cellField(0, 0), values.at(editor->windowTitle()));
+        type(editor->cellField(0, 0), values.at(editor->windowTitle().section(' ', 0, 0)));
         editor->findChild<QPushButton*>("button1")->click();
         return 1;
       }
@@ -180,6 +175,23 @@ TEST(ModelBuilding, NewModelThroughEveryDialogSavesReopensAndSolvesByQlp) {
   EXPECT_NEAR(qlp->solution.us(1, 0), u[0], 1e-9);
   EXPECT_NEAR(qlp->solution.us(1, 1), u[1], 1e-9);
   EXPECT_NEAR(qlp->solution.criterion, criterion(u[0], u[1]), 1e-9);
+  // Data: Size grows the model through the transformation (old cells kept, old results gone);
+  // Delete a State Variable takes the new state out again.
+  const TextMatrix a = *model.matrix(MatrixId::A);
+  reopened.fill = [](QDialog& d) {
+    if (auto* size = qobject_cast<SizeDialog*>(&d)) size->field(303)->setText("2");
+    if (auto* del = qobject_cast<DeleteElemDialog*>(&d)) del->field()->setText("2");
+    return test::accepted(d);
+  };
+  reopened.prompter.setAnswerYes(true);
+  reopened.window->dispatch(65);
+  EXPECT_EQ(model.dims.n.value, 2);
+  ASSERT_EQ(model.matrix(MatrixId::A)->rows(), 2);
+  EXPECT_EQ(model.matrix(MatrixId::A)->cell(0, 0), a.cell(0, 0));
+  EXPECT_FALSE(reopened.holdsResults());
+  reopened.window->dispatch(121);
+  EXPECT_EQ(model.dims.n.value, 1);
+  EXPECT_EQ(*model.matrix(MatrixId::A), a);
 }
 
 }  // namespace

@@ -16,8 +16,6 @@
 namespace ovaro::ui {
 namespace {
 
-using test::example;
-
 // Whether a pixel of this colour lies within `r` pixels of p.
 bool colourNear(const QImage& image, QPointF p, QColor colour, int r = 2) {
   for (int dx = -r; dx <= r; ++dx)
@@ -41,7 +39,7 @@ int hits(const QImage& image, const std::vector<PlotPoint>& line, std::size_t k,
 }
 
 TEST(PlotWindows, SingleRunLoopPaintsTheSeriesInTheirPens) {
-  test::Harness h(example("track1.ovi"));
+  test::Harness h(test::example("track1.ovi"));
   h.window->dispatch(cmd::kSolveQlp);
   // First a plot without a variable, then state 1 with its desired path, then Done.
   h.fills.push_back(test::accepted);
@@ -68,7 +66,7 @@ TEST(PlotWindows, SingleRunLoopPaintsTheSeriesInTheirPens) {
 }
 
 TEST(PlotWindows, ScenariosAreNamedStoredAndPlottedAgainstTheDesiredPath) {
-  test::Harness h(example("track1.ovi"));
+  test::Harness h(test::example("track1.ovi"));
   h.window->dispatch(cmd::kPrefScenarioQuestion);
   auto name = [](const char* acronym) {
     return [acronym](QDialog& d) {
@@ -132,9 +130,9 @@ TEST(PlotWindows, PicturesAreSavedAsPngAndSvgWithOrWithoutADisplay) {
   for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) env.remove(name);
   cli.setProcessEnvironment(env);
   cli.start(OVARO_BINARY_DIR "/src/app/ovaro-cli",
-            {"plot", QString::fromStdString(example("learn1.ovi")), "--method", "ce,olf", "--kind",
-             "controls", "--variable", "1", "--path", "opt", "--runs", "3", "--png", in("c.png"),
-             "--svg", in("c.svg")});
+            {"plot", QString::fromStdString(test::example("learn1.ovi")), "--method", "ce,olf",
+             "--kind", "controls", "--variable", "1", "--path", "opt", "--runs", "3", "--png",
+             in("c.png"), "--svg", in("c.svg")});
   ASSERT_TRUE(cli.waitForFinished(60000));
   EXPECT_EQ(cli.exitCode(), 0) << cli.readAllStandardError().toStdString();
   EXPECT_FALSE(QImageReader(in("c.png")).read().isNull());
